@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building and testing Quorvex need.
+# Runs as root on Debian 12; packages already present are left alone, so a
+# second run costs one dpkg query.
+set -euo pipefail
+
+packages=(
+  cmake g++ make pkg-config
+  libglbinding-dev libegl-dev libegl-mesa0 libgl1-mesa-dri libgl-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+  libopenimageio-dev openimageio-tools
+  libavformat-dev libavcodec-dev libswscale-dev libavutil-dev libswresample-dev
+  libcli11-dev
+)
+
+missing=()
+for package in "${packages[@]}"; do
+  status=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
+  [[ "$status" == "install ok installed" ]] || missing+=("$package")
+done
+
+if ((${#missing[@]} == 0)); then
+  exit 0
+fi
+
+if [[ $(id -u) -ne 0 ]]; then
+  echo "install-deps: these packages are missing and installing them needs root: ${missing[*]}" >&2
+  exit 1
+fi
+
+echo "install-deps: installing ${missing[*]}" >&2
+export DEBIAN_FRONTEND=noninteractive
+apt-get update -q
+apt-get install -y -q --no-install-recommends "${missing[@]}"
