@@ -1,0 +1,46 @@
+#version 330
+// Bad TV: rows pushed sideways on a sine wave, gap rows shifted as a block,
+// and the red and blue channels torn apart. Works in pixels, and changes with
+// every change of time.
+in vec2 uv;
+out vec4 colourOut;
+
+uniform sampler2D videoTexture;
+uniform float multiplier16bit;
+uniform float iTime;
+uniform vec2 texSize;
+
+float rand(vec2 co) {
+    return fract(sin(dot(co.xy, vec2(12.9898, 78.233))) * 43758.5453);
+}
+
+// The texture holds the host's A, R, G, B in r, g, b, a.
+vec4 swapChannel(vec4 eColor) {
+    return vec4(eColor.g, eColor.b, eColor.a, eColor.r);
+}
+
+void main() {
+    vec2 fragCoord = uv * texSize;
+    float rnd = rand(vec2(iTime, iTime)) * 4.0;
+
+    if (mod(fragCoord.y, rnd) > rnd / 8.0) {
+        float of = sin(fragCoord.y / rnd * iTime) * rnd * 2.0;
+        vec2 uv2 = vec2(fragCoord.x + of, fragCoord.y + of / 2.0) / texSize;
+        colourOut = swapChannel(texture(videoTexture, uv2));
+        colourOut.r *= swapChannel(texture(videoTexture, uv2 + of * rnd * vec2(0.005, 0.0))).r;
+        colourOut.g *= swapChannel(texture(videoTexture, uv2)).g;
+        colourOut.b *= swapChannel(texture(videoTexture, uv2 - of * rnd * vec2(0.005, 0.0))).b;
+        colourOut *= 1.5;
+    } else {
+        vec2 uv2 = vec2(fragCoord.x - rnd * 4.0, fragCoord.y + rnd / 2.0) / texSize;
+        colourOut = swapChannel(texture(videoTexture, uv2));
+        colourOut.r *= swapChannel(texture(videoTexture, uv2 + rnd * vec2(0.05, 0.0))).r;
+        colourOut.g *= swapChannel(texture(videoTexture, uv2)).g;
+        colourOut.b *= swapChannel(texture(videoTexture, uv2 - rnd * vec2(0.05, 0.0))).b;
+        colourOut *= 1.5;
+    }
+
+    colourOut = colourOut * multiplier16bit;
+    colourOut = vec4(colourOut.a * colourOut.r, colourOut.a * colourOut.g,
+                     colourOut.a * colourOut.b, colourOut.a);
+}
