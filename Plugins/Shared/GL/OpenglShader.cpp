@@ -1,0 +1,337 @@
+#include "GL/OpenglShader.h"
+
+#include <glbinding/gl/gl.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace Halvane::Quorvex {
+
+using namespace gl;
+
+namespace {
+
+// Room for the longest log GL is asked for, and its terminator.
+constexpr GLsizei kLogLength = 512;
+
+void dumpShaderErrorS(GLuint shader, const char* stageWord)
+{
+    char log[kLogLength + 1];
+    GLsizei length = 0;
+    glGetShaderInfoLog(shader, kLogLength, &length, log);
+    log[std::clamp<GLsizei>(length, 0, kLogLength)] = '\0';
+    std::printf("Shader %s error:\n%s\n", stageWord, log);
+}
+
+void DumpProgramError(GLuint program)
+{
+    char log[kLogLength + 1];
+    GLsizei length = 0;
+    glGetProgramInfoLog(program, kLogLength, &length, log);
+    log[std::clamp<GLsizei>(length, 0, kLogLength)] = '\0';
+    std::printf("Program error:\n%s\n", log);
+}
+
+// The four steps of every uniform setter: nothing unbuilt, nothing for a
+// name the program lacks.
+template <typename... Values>
+void SetUniform(GLuint program, const std::string& name, void (*setter)(GLint, Values...), Values... values)
+{
+    if (program == 0) {
+        return;
+    }
+    const GLint location = glGetUniformLocation(program, name.c_str());
+    if (location != -1) {
+        setter(location, values...);
+    }
+}
+
+bool CompileStage(GLuint shader, const std::string& source, const char* stageWord)
+{
+    const GLchar* text = source.c_str();
+    glShaderSource(shader, 1, &text, nullptr);
+    glCompileShader(shader);
+    GLint status = 0;
+    glGetShaderiv(shader, GL_COMPILE_STATUS, &status);
+    if (status != 1) {
+        dumpShaderErrorS(shader, stageWord);
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+OpenglShader::OpenglShader(const std::string& vertexSource, const std::string& fragmentSource)
+    : mVertexSource(vertexSource), mFragmentSource(fragmentSource)
+{
+}
+
+OpenglShader::OpenglShader(const std::string& vertexSource, const std::string& fragmentSource,
+                           const std::string& geometrySource)
+    : mVertexSource(vertexSource), mFragmentSource(fragmentSource), mGeometrySource(geometrySource)
+{
+}
+
+OpenglShader::~OpenglShader()
+{
+    if (mProgram != 0) {
+        glDeleteProgram(mProgram);
+    }
+}
+
+void OpenglShader::addAttributeBinding(const std::string& name, int index)
+{
+    mAttributeBindings.emplace(name, index);
+}
+
+void OpenglShader::buildShader()
+{
+    const bool hasGeometry = !mGeometrySource.empty();
+    const GLuint vertex = glCreateShader(GL_VERTEX_SHADER);
+    const GLuint fragment = glCreateShader(GL_FRAGMENT_SHADER);
+    const GLuint geometry = hasGeometry ? glCreateShader(GL_GEOMETRY_SHADER) : 0;
+    // A failed attempt is not resumed: the next one makes its own objects, so
+    // this one leaves none behind.
+    const auto deleteStages = [&] {
+        glDeleteShader(vertex);
+        glDeleteShader(fragment);
+        if (hasGeometry) {
+            glDeleteShader(geometry);
+        }
+    };
+
+    const bool compiled = CompileStage(vertex, mVertexSource, "vert") &&
+                          CompileStage(fragment, mFragmentSource, "frag") &&
+                          (!hasGeometry || CompileStage(geometry, mGeometrySource, "geo"));
+    if (!compiled) {
+        deleteStages();
+        return;
+    }
+
+    const GLuint program = glCreateProgram();
+    glAttachShader(program, vertex);
+    glAttachShader(program, fragment);
+    if (hasGeometry) {
+        glAttachShader(program, geometry);
+    }
+    for (const auto& [name, index] : mAttributeBindings) {
+        glBindAttribLocation(program, static_cast<GLuint>(index), name.c_str());
+    }
+    glLinkProgram(program);
+    GLint status = 0;
+    glGetProgramiv(program, GL_LINK_STATUS, &status);
+    if (status != 1) {
+        DumpProgramError(program);
+        glDeleteProgram(program);
+        deleteStages();
+        return;
+    }
+
+    mProgram = program;
+    glDetachShader(program, vertex);
+    glDetachShader(program, fragment);
+    glDeleteShader(vertex);
+    glDeleteShader(fragment);
+    if (hasGeometry) {
+        glDetachShader(program, geometry);
+        glDeleteShader(geometry);
+    }
+}
+
+void OpenglShader::useProgram()
+{
+    if (mProgram == 0) {
+        buildShader();
+    }
+    glUseProgram(mProgram);
+}
+
+int OpenglShader::getUniformLocation(const std::string& name) const
+{
+    return mProgram == 0 ? -1 : glGetUniformLocation(mProgram, name.c_str());
+}
+
+int OpenglShader::getAttributeLocation(const std::string& name) const
+{
+    return glGetAttribLocation(mProgram, name.c_str());
+}
+
+GLint OpenglShader::attributeLocation(const std::string& name) const
+{
+    return mProgram == 0 ? -1 : glGetAttribLocation(mProgram, name.c_str());
+}
+
+void OpenglShader::setUniform1i(const std::string& name, int v0) const
+{
+    SetUniform(mProgram, name, glUniform1i, v0);
+}
+
+void OpenglShader::setUniform2i(const std::string& name, int v0, int v1) const
+{
+    SetUniform(mProgram, name, glUniform2i, v0, v1);
+}
+
+void OpenglShader::setUniform3i(const std::string& name, int v0, int v1, int v2) const
+{
+    SetUniform(mProgram, name, glUniform3i, v0, v1, v2);
+}
+
+void OpenglShader::setUniform4i(const std::string& name, int v0, int v1, int v2, int v3) const
+{
+    SetUniform(mProgram, name, glUniform4i, v0, v1, v2, v3);
+}
+
+void OpenglShader::setUniform1f(const std::string& name, float v0) const
+{
+    SetUniform(mProgram, name, glUniform1f, v0);
+}
+
+void OpenglShader::setUniform2f(const std::string& name, float v0, float v1) const
+{
+    SetUniform(mProgram, name, glUniform2f, v0, v1);
+}
+
+void OpenglShader::setUniform3f(const std::string& name, float v0, float v1, float v2) const
+{
+    SetUniform(mProgram, name, glUniform3f, v0, v1, v2);
+}
+
+void OpenglShader::setUniform4f(const std::string& name, float v0, float v1, float v2, float v3) const
+{
+    SetUniform(mProgram, name, glUniform4f, v0, v1, v2, v3);
+}
+
+void OpenglShader::setUniform1iv(const std::string& name, const int* values, int count) const
+{
+    SetUniform(mProgram, name, glUniform1iv, count, values);
+}
+
+void OpenglShader::setUniform2iv(const std::string& name, const int* values, int count) const
+{
+    SetUniform(mProgram, name, glUniform2iv, count, values);
+}
+
+void OpenglShader::setUniform3iv(const std::string& name, const int* values, int count) const
+{
+    SetUniform(mProgram, name, glUniform3iv, count, values);
+}
+
+void OpenglShader::setUniform4iv(const std::string& name, const int* values, int count) const
+{
+    SetUniform(mProgram, name, glUniform4iv, count, values);
+}
+
+void OpenglShader::setUniform1fv(const std::string& name, const float* values, int count) const
+{
+    SetUniform(mProgram, name, glUniform1fv, count, values);
+}
+
+void OpenglShader::setUniform2fv(const std::string& name, const float* values, int count) const
+{
+    SetUniform(mProgram, name, glUniform2fv, count, values);
+}
+
+void OpenglShader::setUniform3fv(const std::string& name, const float* values, int count) const
+{
+    SetUniform(mProgram, name, glUniform3fv, count, values);
+}
+
+void OpenglShader::setUniform4fv(const std::string& name, const float* values, int count) const
+{
+    SetUniform(mProgram, name, glUniform4fv, count, values);
+}
+
+void OpenglShader::setUniformTexture(const std::string& name, int target, int texture, int unit) const
+{
+    if (mProgram == 0) {
+        return;
+    }
+    glActiveTexture(static_cast<GLenum>(static_cast<unsigned int>(GL_TEXTURE0) + static_cast<unsigned int>(unit)));
+    glBindTexture(static_cast<GLenum>(target), static_cast<GLuint>(texture));
+    setUniform1i(name, unit);
+}
+
+void OpenglShader::pointAttribute(GLint index, GLint size, GLenum type, const void* data, int stride) const
+{
+    glEnableVertexAttribArray(static_cast<GLuint>(index));
+    glVertexAttribPointer(static_cast<GLuint>(index), size, type, GL_FALSE, stride, data);
+}
+
+void OpenglShader::pointNamedAttribute(const std::string& name, GLint size, const float* data, int stride) const
+{
+    if (const GLint location = attributeLocation(name); location != -1) {
+        pointAttribute(location, size, GL_FLOAT, data, stride);
+    }
+}
+
+void OpenglShader::setAttribute1iv(int index, const int* data, int stride) const
+{
+    if (index != -1 && mProgram != 0) {
+        pointAttribute(index, 1, GL_INT, data, stride);
+    }
+}
+
+void OpenglShader::setAttribute1fv(const std::string& name, const float* data, int stride) const
+{
+    pointNamedAttribute(name, 1, data, stride);
+}
+
+void OpenglShader::setAttribute1fv(int index, const float* data, int stride) const
+{
+    if (index != -1 && mProgram != 0) {
+        pointAttribute(index, 1, GL_FLOAT, data, stride);
+    }
+}
+
+void OpenglShader::setAttribute2fv(const std::string& name, const float* data, int stride) const
+{
+    pointNamedAttribute(name, 2, data, stride);
+}
+
+void OpenglShader::setAttribute2fv(int index, const float* data, int stride) const
+{
+    if (mProgram != 0) {
+        pointAttribute(index, 2, GL_FLOAT, data, stride);
+    }
+}
+
+void OpenglShader::setAttribute3fv(const std::string& name, const float* data, int stride) const
+{
+    pointNamedAttribute(name, 3, data, stride);
+}
+
+void OpenglShader::setAttribute3fv(int index, const float* data, int stride) const
+{
+    if (mProgram != 0) {
+        pointAttribute(index, 3, GL_FLOAT, data, stride);
+    }
+}
+
+void OpenglShader::setAttribute4fv(const std::string& name, const float* data, int stride) const
+{
+    pointNamedAttribute(name, 4, data, stride);
+}
+
+void OpenglShader::setAttribute4fv(int index, const float* data, int stride) const
+{
+    if (index != -1 && mProgram != 0) {
+        pointAttribute(index, 4, GL_FLOAT, data, stride);
+    }
+}
+
+void OpenglShader::disableVertexAttributeArray(const std::string& name) const
+{
+    if (const GLint location = attributeLocation(name); location != -1) {
+        glDisableVertexAttribArray(static_cast<GLuint>(location));
+    }
+}
+
+void OpenglShader::disableVertexAttributeArray(int index) const
+{
+    if (mProgram != 0) {
+        glDisableVertexAttribArray(static_cast<GLuint>(index));
+    }
+}
+
+}  // namespace Halvane::Quorvex

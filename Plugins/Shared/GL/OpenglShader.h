@@ -1,0 +1,98 @@
+#pragma once
+
+#include <glbinding/gl/types.h>
+
+#include <map>
+#include <string>
+
+namespace Halvane::Quorvex {
+
+// One GLSL program: its source text, its attribute bindings and named
+// setters. Construction makes no GL call; the program is built at the first
+// useProgram, in whichever context is current then, and serves every
+// context of that share group. A failed build prints its log to standard
+// output, leaves the object unbuilt (every setter then does nothing) and is
+// tried again, from scratch, at the next useProgram.
+//
+// Setters do not select the program: call useProgram first. Names the
+// program does not have are skipped silently.
+class OpenglShader {
+public:
+    OpenglShader(const std::string& vertexSource, const std::string& fragmentSource);
+    // An empty geometry source means a program of two stages.
+    OpenglShader(const std::string& vertexSource, const std::string& fragmentSource,
+                 const std::string& geometrySource);
+    // A context of the program's share group must be current if it was built.
+    virtual ~OpenglShader();
+
+    OpenglShader(const OpenglShader&) = delete;
+    OpenglShader& operator=(const OpenglShader&) = delete;
+
+    // Takes effect at the next build only; a name bound twice keeps its first
+    // index.
+    void addAttributeBinding(const std::string& name, int index);
+    void buildShader();
+    void useProgram();
+
+    // -1 before a successful build.
+    int getUniformLocation(const std::string& name) const;
+    // Asks GL even before a build (GL then answers -1).
+    int getAttributeLocation(const std::string& name) const;
+
+    void setUniform1i(const std::string& name, int v0) const;
+    void setUniform2i(const std::string& name, int v0, int v1) const;
+    void setUniform3i(const std::string& name, int v0, int v1, int v2) const;
+    void setUniform4i(const std::string& name, int v0, int v1, int v2, int v3) const;
+    void setUniform1f(const std::string& name, float v0) const;
+    void setUniform2f(const std::string& name, float v0, float v1) const;
+    void setUniform3f(const std::string& name, float v0, float v1, float v2) const;
+    void setUniform4f(const std::string& name, float v0, float v1, float v2, float v3) const;
+    void setUniform1iv(const std::string& name, const int* values, int count) const;
+    void setUniform2iv(const std::string& name, const int* values, int count) const;
+    void setUniform3iv(const std::string& name, const int* values, int count) const;
+    void setUniform4iv(const std::string& name, const int* values, int count) const;
+    void setUniform1fv(const std::string& name, const float* values, int count) const;
+    void setUniform2fv(const std::string& name, const float* values, int count) const;
+    void setUniform3fv(const std::string& name, const float* values, int count) const;
+    void setUniform4fv(const std::string& name, const float* values, int count) const;
+
+    // Activates texture unit `unit`, binds `texture` to `target` there and
+    // points the sampler `name` at the unit. Once built, the unit and the
+    // binding are set even when the program has no such sampler.
+    void setUniformTexture(const std::string& name, int target, int texture, int unit) const;
+
+    // Enable the attribute array, then point it at `data`: a byte offset into
+    // the bound GL_ARRAY_BUFFER, as the renderers use it. The stride is in
+    // bytes. Index forms skip an index of -1 except setAttribute2fv and
+    // setAttribute3fv, which hand it to GL.
+    void setAttribute1iv(int index, const int* data, int stride) const;
+    void setAttribute1fv(const std::string& name, const float* data, int stride) const;
+    void setAttribute1fv(int index, const float* data, int stride) const;
+    void setAttribute2fv(const std::string& name, const float* data, int stride) const;
+    void setAttribute2fv(int index, const float* data, int stride) const;
+    void setAttribute3fv(const std::string& name, const float* data, int stride) const;
+    void setAttribute3fv(int index, const float* data, int stride) const;
+    void setAttribute4fv(const std::string& name, const float* data, int stride) const;
+    void setAttribute4fv(int index, const float* data, int stride) const;
+
+    void disableVertexAttributeArray(const std::string& name) const;
+    void disableVertexAttributeArray(int index) const;
+
+    // The GL program name; 0 until a build succeeds.
+    gl::GLuint program() const { return mProgram; }
+
+private:
+    // The location of attribute `name`, or -1 when unbuilt or absent.
+    gl::GLint attributeLocation(const std::string& name) const;
+    void pointAttribute(gl::GLint index, gl::GLint size, gl::GLenum type, const void* data, int stride) const;
+    // pointAttribute for attribute `name`, skipped when unbuilt or absent.
+    void pointNamedAttribute(const std::string& name, gl::GLint size, const float* data, int stride) const;
+
+    std::string mVertexSource;
+    std::string mFragmentSource;
+    std::string mGeometrySource;
+    gl::GLuint mProgram = 0;
+    std::map<std::string, int> mAttributeBindings;
+};
+
+}  // namespace Halvane::Quorvex
