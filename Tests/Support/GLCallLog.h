@@ -1,0 +1,135 @@
+#pragma once
+
+#include <glbinding/AbstractFunction.h>
+#include <glbinding/AbstractValue.h>
+#include <glbinding/Binding.h>
+#include <glbinding/CallbackMask.h>
+#include <glbinding/FunctionCall.h>
+#include <glbinding/callbacks.h>
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace Halvane::Quorvex::Testing {
+
+// Records every GL call made through glbinding, on any thread and in any
+// context, while it lives: the function's name, its arguments and its result
+// as glbinding prints them. One log at a time.
+//
+// glbinding keeps its callback switches per context, so the log switches
+// them on in the context bound when it starts and in every context bound
+// while it runs. They stay on afterwards, which only costs time.
+class GLCallLog {
+public:
+    struct Call {
+        std::string name;
+        std::vector<std::string> arguments;
+        std::string result;
+    };
+
+    GLCallLog()
+    {
+        watchContextSwitches();
+        sActive.store(this);
+        glbinding::setAfterCallback([](const glbinding::FunctionCall& call) {
+            if (GLCallLog* log = sActive.load()) {
+                log->record(call);
+            }
+        });
+        glbinding::addCallbackMask(kMask);
+    }
+
+    ~GLCallLog()
+    {
+        sActive.store(nullptr);
+        glbinding::setAfterCallback(nullptr);
+    }
+
+    GLCallLog(const GLCallLog&) = delete;
+    GLCallLog& operator=(const GLCallLog&) = delete;
+
+    std::vector<Call> calls() const
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mCalls;
+    }
+
+    std::vector<std::string> names() const
+    {
+        std::vector<std::string> result;
+        for (const Call& call : calls()) {
+            result.push_back(call.name);
+        }
+        return result;
+    }
+
+    std::vector<Call> callsOf(const std::string& name) const
+    {
+        std::vector<Call> result;
+        for (const Call& call : calls()) {
+            if (call.name == name) {
+                result.push_back(call);
+            }
+        }
+        return result;
+    }
+
+    std::size_t count(const std::string& name) const { return callsOf(name).size(); }
+
+    // The GL names that calls of `name` returned, e.g. glCreateShader's.
+    std::vector<unsigned> returnedNames(const std::string& name) const
+    {
+        std::vector<unsigned> result;
+        for (const Call& call : callsOf(name)) {
+            result.push_back(static_cast<unsigned>(std::stoul(call.result)));
+        }
+        return result;
+    }
+
+    void clear()
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mCalls.clear();
+    }
+
+private:
+    // After, Parameters and ReturnValue; glbinding's operator| is not constexpr.
+    static constexpr glbinding::CallbackMask kMask = static_cast<glbinding::CallbackMask>(
+        static_cast<unsigned char>(glbinding::CallbackMask::After) |
+        static_cast<unsigned char>(glbinding::CallbackMask::ParametersAndReturnValue));
+
+    static void watchContextSwitches()
+    {
+        static std::once_flag once;
+        std::call_once(once, [] {
+            glbinding::Binding::addContextSwitchCallback([](glbinding::ContextHandle) {
+                if (sActive.load() != nullptr) {
+                    glbinding::addCallbackMask(kMask);
+                }
+            });
+        });
+    }
+
+    void record(const glbinding::FunctionCall& call)
+    {
+        Call entry{call.function->name(), {}, {}};
+        for (const glbinding::AbstractValue* value : call.parameters) {
+            entry.arguments.push_back(value->asString());
+        }
+        if (call.returnValue != nullptr) {
+            entry.result = call.returnValue->asString();
+        }
+        std::lock_guard<std::mutex> lock(mMutex);
+        mCalls.push_back(std::move(entry));
+    }
+
+    static inline std::atomic<GLCallLog*> sActive{nullptr};
+
+    mutable std::mutex mMutex;
+    std::vector<Call> mCalls;
+};
+
+}  // namespace Halvane::Quorvex::Testing

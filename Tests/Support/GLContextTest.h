@@ -1,0 +1,146 @@
+#pragma once
+
+#include "GL/GLPlatform.h"
+#include "GLCallLog.h"
+
+#include <EGL/egl.h>
+#include <glbinding/Binding.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <string>
+
+namespace Halvane::Quorvex::Testing {
+
+// Gives each test what a host has when it calls the plug-in: a GL context of
+// its own ("the host's"), current on the test's thread with a small pbuffer
+// as its surface, and bound in glbinding so that the test can make GL calls
+// in it. The context is made with EGL directly, not through the plug-in's
+// platform layer, as a host's would be.
+//
+// At TearDown the test must have destroyed every context that the platform
+// layer made for it; the thread is then left with nothing current.
+class GLContextTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        watchGlbinding();
+        mLiveContextsAtStart = GLPlatform::liveContextCount();
+        mHostDisplay = static_cast<EGLDisplay>(GLPlatform::display());
+
+        const EGLint configAttributes[] = {
+            EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
+            EGL_RED_SIZE, 8, EGL_GREEN_SIZE, 8, EGL_BLUE_SIZE, 8, EGL_NONE,
+        };
+        EGLConfig config = nullptr;
+        EGLint configs = 0;
+        ASSERT_TRUE(eglChooseConfig(mHostDisplay, configAttributes, &config, 1, &configs) && configs == 1)
+            << "no pbuffer config for the host's context";
+        const EGLint surfaceAttributes[] = {EGL_WIDTH, 16, EGL_HEIGHT, 16, EGL_NONE};
+        mHostSurface = eglCreatePbufferSurface(mHostDisplay, config, surfaceAttributes);
+        ASSERT_NE(mHostSurface, EGL_NO_SURFACE);
+        const EGLint contextAttributes[] = {
+            EGL_CONTEXT_MAJOR_VERSION, 3, EGL_CONTEXT_MINOR_VERSION, 3,
+            EGL_CONTEXT_OPENGL_PROFILE_MASK, EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT, EGL_NONE,
+        };
+        eglBindAPI(EGL_OPENGL_API);
+        mHostContext = eglCreateContext(mHostDisplay, config, EGL_NO_CONTEXT, contextAttributes);
+        ASSERT_NE(mHostContext, EGL_NO_CONTEXT);
+        makeHostCurrent();
+        ASSERT_TRUE(hostIsCurrent());
+    }
+
+    void TearDown() override
+    {
+        EXPECT_EQ(GLPlatform::liveContextCount(), mLiveContextsAtStart)
+            << "the test left contexts of the platform layer alive";
+        releaseCurrent();
+        if (mHostContext != EGL_NO_CONTEXT) {
+            eglDestroyContext(mHostDisplay, mHostContext);
+        }
+        if (mHostSurface != EGL_NO_SURFACE) {
+            eglDestroySurface(mHostDisplay, mHostSurface);
+        }
+    }
+
+    // What the host has current: its display, its pbuffer, its context.
+    GLPlatform::CurrentBinding hostBinding() const
+    {
+        return {mHostDisplay, mHostSurface, mHostSurface, mHostContext};
+    }
+
+    GLPlatform::ContextHandle hostHandle() const { return mHostContext; }
+
+    bool hostIsCurrent() const { return GLPlatform::currentBinding() == hostBinding(); }
+
+    // Makes the host's context current and points glbinding at it, as a host
+    // that draws with glbinding itself would.
+    void makeHostCurrent() const
+    {
+        ASSERT_TRUE(eglMakeCurrent(mHostDisplay, mHostSurface, mHostSurface, mHostContext));
+        const auto handle = glbindingHandleOfHost();
+        glbinding::Binding::initialize(handle, true, false);
+        glbinding::Binding::useContext(handle);
+    }
+
+    glbinding::ContextHandle glbindingHandleOfHost() const
+    {
+        return static_cast<glbinding::ContextHandle>(reinterpret_cast<std::intptr_t>(mHostContext));
+    }
+
+    // Leaves the calling thread with no context current.
+    static void releaseCurrent()
+    {
+        const EGLDisplay display = eglGetCurrentDisplay();
+        if (display != EGL_NO_DISPLAY) {
+            eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        }
+    }
+
+    // The context that glbinding last bound on the calling thread.
+    static glbinding::ContextHandle glbindingContext() { return tLastGlbindingContext; }
+
+    static std::string standardOutputOf(const std::function<void()>& work)
+    {
+        ::testing::internal::CaptureStdout();
+        work();
+        return ::testing::internal::GetCapturedStdout();
+    }
+
+    static std::string standardErrorOf(const std::function<void()>& work)
+    {
+        ::testing::internal::CaptureStderr();
+        work();
+        return ::testing::internal::GetCapturedStderr();
+    }
+
+    static std::size_t occurrences(const std::string& text, const std::string& part)
+    {
+        std::size_t count = 0;
+        for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) {
+            ++count;
+        }
+        return count;
+    }
+
+private:
+    static void watchGlbinding()
+    {
+        static std::once_flag once;
+        std::call_once(once, [] {
+            glbinding::Binding::addContextSwitchCallback(
+                [](glbinding::ContextHandle handle) { tLastGlbindingContext = handle; });
+        });
+    }
+
+    static inline thread_local glbinding::ContextHandle tLastGlbindingContext = -1;
+
+    EGLDisplay mHostDisplay = EGL_NO_DISPLAY;
+    EGLSurface mHostSurface = EGL_NO_SURFACE;
+    EGLContext mHostContext = EGL_NO_CONTEXT;
+    std::size_t mLiveContextsAtStart = 0;
+};
+
+}  // namespace Halvane::Quorvex::Testing
