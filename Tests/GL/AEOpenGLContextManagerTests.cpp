@@ -1,0 +1,182 @@
+// The context manager across threads: one render context per thread in the
+// shared data context's group, numbered in the order of first requests and
+// destroyed in that order at release, the shared data context last.
+#include "GL/AEOpenGLContextManager.h"
+
+#include "HostTypes.h"
+#include "Support/GLContextTest.h"
+
+#include <glbinding/gl/gl.h>
+
+#include <chrono>
+#include <future>
+#include <thread>
+#include <vector>
+
+using namespace gl;
+
+namespace Halvane::Quorvex::Testing {
+namespace {
+
+class AEOpenGLContextManagerTest : public GLContextTest {
+protected:
+    void SetUp() override
+    {
+        GLContextTest::SetUp();
+        GLPlatform::setDestroyObserver([this](GLPlatform::ContextId id) {
+            std::lock_guard<std::mutex> lock(mDestroyedMutex);
+            mDestroyed.push_back(id);
+        });
+    }
+
+    void TearDown() override
+    {
+        AEOpenGLContextManager::releaseContextManager();
+        GLPlatform::setDestroyObserver(nullptr);
+        GLContextTest::TearDown();
+    }
+
+    std::vector<GLPlatform::ContextId> destroyed()
+    {
+        std::lock_guard<std::mutex> lock(mDestroyedMutex);
+        return mDestroyed;
+    }
+
+    static GLPlatform::ContextId idOf(const AEOpenGLContext* context) { return GLPlatform::id(context->nsContext()); }
+
+    // The render context of a new thread, asked for there.
+    static AEOpenGLContext* renderContextOfANewThread(const std::function<void(AEOpenGLContext*)>& work = {})
+    {
+        AEOpenGLContext* context = nullptr;
+        std::thread thread([&] {
+            context = AEOpenGLContextManager::getCurrentRenderContext();
+            context->makeContextCurrent();
+            if (work) {
+                work(context);
+            }
+            releaseCurrent();
+        });
+        thread.join();
+        return context;
+    }
+
+private:
+    std::mutex mDestroyedMutex;
+    std::vector<GLPlatform::ContextId> mDestroyed;
+};
+
+TEST_F(AEOpenGLContextManagerTest, SetUpLeavesTheSharedDataContextCurrentAndReleaseClearsIt)
+{
+    AEOpenGLContextManager::setupContextManager();
+    AEOpenGLContext* shared = AEOpenGLContextManager::getSharedDataContext();
+    ASSERT_NE(shared, nullptr);
+    EXPECT_EQ(GLPlatform::currentHandle(), shared->cglContext());
+
+    AEOpenGLContextManager::releaseContextManager();
+
+    EXPECT_EQ(AEOpenGLContextManager::getSharedDataContext(), nullptr);
+    EXPECT_EQ(destroyed().size(), 1u);
+}
+
+TEST_F(AEOpenGLContextManagerTest, ThreadsGetTheirOwnContextOnceAndReleaseGoesInTheirOrderSharedLast)
+{
+    AEOpenGLContextManager::setupContextManager();
+    const auto shared = idOf(AEOpenGLContextManager::getSharedDataContext());
+    const auto live = GLPlatform::liveContextCount();
+
+    AEOpenGLContext* main = AEOpenGLContextManager::getCurrentRenderContext();
+    EXPECT_EQ(AEOpenGLContextManager::getCurrentRenderContext(), main);
+    EXPECT_EQ(GLPlatform::liveContextCount(), live + 1) << "two requests on one thread made two contexts";
+    AEOpenGLContext* first = renderContextOfANewThread();
+    AEOpenGLContext* second = renderContextOfANewThread();
+    EXPECT_NE(first, main);
+    EXPECT_NE(second, first);
+    EXPECT_EQ(GLPlatform::liveContextCount(), live + 3);
+    const std::vector<GLPlatform::ContextId> expected{idOf(main), idOf(first), idOf(second), shared};
+
+    AEOpenGLContextManager::releaseContextManager();
+
+    EXPECT_EQ(destroyed(), expected);
+}
+
+TEST_F(AEOpenGLContextManagerTest, AThreadDrawsWithATextureThatAnotherThreadMade)
+{
+    AEOpenGLContextManager::setupContextManager();
+    AEOpenGLContextManager::getCurrentRenderContext()->makeContextCurrent();
+    const GLubyte pixels[4] = {10, 20, 30, 40};
+    GLuint texture = 0;
+    glGenTextures(1, &texture);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
+    glFinish();
+
+    GLubyte read[4] = {};
+    renderContextOfANewThread([&](AEOpenGLContext*) {
+        GLuint framebuffer = 0;
+        glGenFramebuffers(1, &framebuffer);
+        glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
+        glReadPixels(0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, read);
+        glDeleteFramebuffers(1, &framebuffer);
+    });
+
+    EXPECT_EQ(std::vector<GLubyte>(read, read + 4), std::vector<GLubyte>(pixels, pixels + 4));
+    glDeleteTextures(1, &texture);
+}
+
+TEST_F(AEOpenGLContextManagerTest, WithoutASharedDataContextARenderContextStandsAlone)
+{
+    ASSERT_EQ(AEOpenGLContextManager::getSharedDataContext(), nullptr);
+
+    GLPlatform::ContextId current = 0;
+    GLuint texture = 0;
+    AEOpenGLContext* context = renderContextOfANewThread([&](AEOpenGLContext*) {
+        current = GLPlatform::currentContextId();
+        glGenTextures(1, &texture);
+        glBindTexture(GL_TEXTURE_2D, texture);
+    });
+
+    ASSERT_NE(context, nullptr);
+    EXPECT_EQ(current, idOf(context));
+    EXPECT_NE(texture, 0u);
+}
+
+TEST_F(AEOpenGLContextManagerTest, AThreadWhoseContextWasReleasedGetsANewOne)
+{
+    AEOpenGLContextManager::setupContextManager();
+    const auto before = idOf(AEOpenGLContextManager::getCurrentRenderContext());
+    AEOpenGLContextManager::releaseContextManager();
+    AEOpenGLContextManager::setupContextManager();
+
+    AEOpenGLContext* again = AEOpenGLContextManager::getCurrentRenderContext();
+
+    ASSERT_NE(again, nullptr);
+    EXPECT_NE(idOf(again), before);
+    EXPECT_EQ(GLPlatform::currentHandle(), again->cglContext());
+}
+
+TEST_F(AEOpenGLContextManagerTest, AFailedCreationLeavesTheManagerUsable)
+{
+    AEOpenGLContextManager::setupContextManager();
+    GLPlatform::failNextContextCreations(1);
+    int thrown = 0;
+    standardErrorOf([&] {
+        try {
+            AEOpenGLContextManager::getCurrentRenderContext();
+        } catch (int error) {
+            thrown = error;
+        }
+    });
+    EXPECT_EQ(thrown, PF_Err_BAD_CALLBACK_PARAM);
+
+    // Another thread is not locked out, and this one may ask again.
+    auto other = std::async(std::launch::async, [] { return renderContextOfANewThread(); });
+    ASSERT_EQ(other.wait_for(std::chrono::seconds(30)), std::future_status::ready) << "the lock was kept";
+    EXPECT_NE(other.get(), nullptr);
+    AEOpenGLContext* retried = AEOpenGLContextManager::getCurrentRenderContext();
+    ASSERT_NE(retried, nullptr);
+    EXPECT_EQ(GLPlatform::currentHandle(), retried->cglContext());
+}
+
+}  // namespace
+}  // namespace Halvane::Quorvex::Testing

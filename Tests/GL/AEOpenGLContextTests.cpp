@@ -1,0 +1,150 @@
+// The plug-in's own contexts on a real EGL display: creation, switching, the
+// flush on the way out of a context, and what a failed creation reports.
+#include "GL/AEOpenGLContext.h"
+
+#include "HostTypes.h"
+#include "Support/GLContextTest.h"
+
+#include <glbinding/gl/gl.h>
+#include <gmock/gmock.h>
+
+using namespace gl;
+
+namespace Halvane::Quorvex::Testing {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+
+class AEOpenGLContextTest : public GLContextTest {};
+
+TEST_F(AEOpenGLContextTest, ConstructionLeavesTheNewContextCurrentAndBoundInGlbinding)
+{
+    AEOpenGLContext context(nullptr);
+
+    EXPECT_EQ(GLPlatform::currentHandle(), context.cglContext());
+    EXPECT_EQ(GLPlatform::currentContextId(), GLPlatform::id(context.nsContext()));
+    EXPECT_EQ(glbindingContext(), static_cast<glbinding::ContextHandle>(GLPlatform::id(context.nsContext())));
+    EXPECT_FALSE(context.extensions().empty());
+
+    GLint major = 0;
+    glGetIntegerv(GL_MAJOR_VERSION, &major);
+    GLint minor = 0;
+    glGetIntegerv(GL_MINOR_VERSION, &minor);
+    EXPECT_GE(major * 10 + minor, 33);
+    GLint profile = 0;
+    glGetIntegerv(GL_CONTEXT_PROFILE_MASK, &profile);
+    EXPECT_EQ(profile, static_cast<GLint>(GL_CONTEXT_CORE_PROFILE_BIT));
+}
+
+TEST_F(AEOpenGLContextTest, EveryContextPrintsItsBlockOnceAndSwitchingPrintsNothing)
+{
+    const std::string printed = standardOutputOf([] {
+        AEOpenGLContext first(nullptr);
+        AEOpenGLContext second(&first);
+        first.makeContextCurrent();
+        second.makeContextCurrent();
+    });
+
+    const std::string block = "\nOpenGL Version:  [0-9]+\\.[0-9]+\n"
+                              "OpenGL Vendor:   [^\n]+\n"
+                              "OpenGL Renderer: [^\n]+\n"
+                              "OpenGL Revision: [0-9]+ \\(gl\\.xml\\)\n\n";
+    EXPECT_THAT(printed, MatchesRegex(block + block));
+}
+
+TEST_F(AEOpenGLContextTest, ContextsOfOneGroupShareTextures)
+{
+    AEOpenGLContext first(nullptr);
+    GLuint texture = 0;
+    glGenTextures(1, &texture);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glFinish();
+
+    AEOpenGLContext shared(&first);
+    EXPECT_EQ(glIsTexture(texture), GL_TRUE);
+    {
+        AEOpenGLContext alone(nullptr);
+        EXPECT_EQ(glIsTexture(texture), GL_FALSE);
+    }
+    shared.makeContextCurrent();
+    glDeleteTextures(1, &texture);
+}
+
+TEST_F(AEOpenGLContextTest, MakingTheCurrentContextCurrentFlushesNothingAndStillBindsGlbinding)
+{
+    AEOpenGLContext context(nullptr);
+    glbinding::Binding::useContext(glbindingHandleOfHost());
+    GLCallLog log;
+
+    context.makeContextCurrent();
+
+    EXPECT_EQ(log.count("glFlush"), 0u);
+    EXPECT_EQ(GLPlatform::currentHandle(), context.cglContext());
+    EXPECT_EQ(glbindingContext(), static_cast<glbinding::ContextHandle>(GLPlatform::id(context.nsContext())));
+}
+
+TEST_F(AEOpenGLContextTest, LeavingAContextFlushesItUnlessItsFramebufferIsIncomplete)
+{
+    AEOpenGLContext context(nullptr);
+    GLuint framebuffer = 0;
+    glGenFramebuffers(1, &framebuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    ASSERT_NE(glCheckFramebufferStatus(GL_FRAMEBUFFER), GL_FRAMEBUFFER_COMPLETE);
+    {
+        GLCallLog log;
+        AEOpenGLContext::makeCurrentFlush(hostHandle());
+        EXPECT_EQ(log.count("glFlush"), 0u) << "flushed with an incomplete framebuffer bound";
+        EXPECT_EQ(GLPlatform::currentHandle(), hostHandle()) << "did not switch";
+    }
+
+    context.makeContextCurrent();
+    GLuint renderbuffer = 0;
+    glGenRenderbuffers(1, &renderbuffer);
+    glBindRenderbuffer(GL_RENDERBUFFER, renderbuffer);
+    glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, 4, 4);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, renderbuffer);
+    ASSERT_EQ(glCheckFramebufferStatus(GL_FRAMEBUFFER), GL_FRAMEBUFFER_COMPLETE);
+    {
+        GLCallLog log;
+        AEOpenGLContext::makeCurrentFlush(hostHandle());
+        EXPECT_EQ(log.count("glFlush"), 1u) << "a complete framebuffer was not flushed";
+    }
+
+    context.makeContextCurrent();
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    {
+        GLCallLog log;
+        AEOpenGLContext::makeCurrentFlush(hostHandle());
+        EXPECT_EQ(log.names(), (std::vector<std::string>{"glGetIntegerv", "glFlush"}))
+            << "the default framebuffer needs no status check";
+    }
+
+    context.makeContextCurrent();
+    glDeleteRenderbuffers(1, &renderbuffer);
+    glDeleteFramebuffers(1, &framebuffer);
+}
+
+TEST_F(AEOpenGLContextTest, AContextThatCannotBeCreatedIsOneLineOnStandardErrorAndAThrownInt)
+{
+    GLPlatform::failNextContextCreations(1);
+    int thrown = 0;
+    const std::string errors = standardErrorOf([&] {
+        try {
+            AEOpenGLContext context(nullptr);
+        } catch (int error) {
+            thrown = error;
+        }
+    });
+
+    EXPECT_EQ(thrown, PF_Err_BAD_CALLBACK_PARAM);
+    EXPECT_EQ(occurrences(errors, "\n"), 1u) << errors;
+    EXPECT_THAT(errors, HasSubstr("cannot create an OpenGL context: eglCreateContext"));
+    EXPECT_TRUE(hostIsCurrent());
+
+    AEOpenGLContext next(nullptr);
+    EXPECT_EQ(GLPlatform::currentHandle(), next.cglContext());
+}
+
+}  // namespace
+}  // namespace Halvane::Quorvex::Testing
