@@ -6,7 +6,7 @@ set -euo pipefail
 
 packages=(
   cmake g++ make pkg-config
-  libglbinding-dev libegl-dev libegl-mesa0 libgl1-mesa-dri libgl-dev
+  libglbinding-dev libegl-dev libegl-mesa0 libgl1-mesa-dri libgl-dev libopengl-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libopenimageio-dev openimageio-tools
   libavformat-dev libavcodec-dev libswscale-dev libavutil-dev libswresample-dev
