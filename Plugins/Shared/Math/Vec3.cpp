@@ -1,6 +1,8 @@
 #include "Math/Vec3.h"
 
 #include "Math/Float.h"
+#include "Math/Mat4.h"
+#include "Math/Quaternion.h"
 
 #include <cmath>
 
@@ -281,6 +283,48 @@ void Vec3::ortho(Vec3 const& v)
     Vec3 const axis = *this;
     *this = v.cross(axis);
     setLength(1.0);
+}
+
+void Vec3::applyMatrix4(Mat4 const& m)
+{
+    double const* e = m.elements;
+    set(e[0] * x + e[4] * y + e[8] * z + e[12], e[1] * x + e[5] * y + e[9] * z + e[13],
+        e[2] * x + e[6] * y + e[10] * z + e[14]);
+}
+
+void Vec3::applyProjection(Mat4 const& m)
+{
+    double const* e = m.elements;
+    double const d = 1.0 / (e[3] * x + e[7] * y + e[11] * z + e[15]);
+    applyMatrix4(m);
+    mult(d);
+}
+
+void Vec3::transformDirection(Mat4 const& m)
+{
+    double const* e = m.elements;
+    set(e[0] * x + e[4] * y + e[8] * z, e[1] * x + e[5] * y + e[9] * z, e[2] * x + e[6] * y + e[10] * z);
+    setLength(1.0);
+}
+
+void Vec3::applyQuaternion(Quaternion const& q)
+{
+    double const ix = x * q.w + z * q.y - y * q.z;
+    double const iy = y * q.w + x * q.z - z * q.x;
+    double const iz = z * q.w + y * q.x - x * q.y;
+    double const iw = -x * q.x - y * q.y - z * q.z;
+    set(ix * q.w - iw * q.x - iy * q.z + iz * q.y, iy * q.w - iw * q.y - iz * q.x + ix * q.z,
+        iz * q.w - iw * q.z - ix * q.y + iy * q.x);
+}
+
+void Vec3::setFromMatrixPosition(Mat4 const& m)
+{
+    fromArray(m.elements, 12);
+}
+
+void Vec3::setFromMatrixColumn(Mat4 const& m, int column)
+{
+    fromArray(m.elements, 4 * column);
 }
 
 } // namespace Halvane::Quorvex

@@ -4,6 +4,9 @@
 
 namespace Halvane::Quorvex {
 
+class Mat4;
+class Quaternion;
+
 // a - b, moved by one cycle towards zero when it lies beyond half a cycle either way.
 // Exactly half a cycle stays, only one cycle is ever taken off, and a cycle of 0 wraps nothing.
 double cyclicDifference(double a, double b, double cycle);
@@ -102,6 +105,20 @@ public:
     // In place: a unit vector perpendicular to v, chosen from this vector's own largest
     // component. v may be this vector itself, which then yields (1, 0, 0).
     void ortho(Vec3 const& v);
+
+    // In place, reading the matrix's elements directly.
+    // M·(x, y, z, 1) without the divide by w.
+    void applyMatrix4(Mat4 const& m);
+    // M·(x, y, z, 1) divided by its w; a w of 0 is unguarded.
+    void applyProjection(Mat4 const& m);
+    // M·(x, y, z, 0), then setLength(1.0), so a direction mapped to zero becomes (1, 0, 0).
+    void transformDirection(Mat4 const& m);
+    // q·v·conjugate(q) without normalising q: a quaternion of length L scales by L squared.
+    void applyQuaternion(Quaternion const& q);
+    // The translation, elements 12 to 14.
+    void setFromMatrixPosition(Mat4 const& m);
+    // Rows 0 to 2 of the column; the index must lie in 0 to 3 and is not checked.
+    void setFromMatrixColumn(Mat4 const& m, int column);
 };
 
 } // namespace Halvane::Quorvex
