@@ -1,13 +1,10 @@
 #include "InfoCommand.h"
 
-#include "Runtime/EffectSession.h"
-#include "Runtime/HostError.h"
-#include "Runtime/HostRuntime.h"
-#include "Runtime/PluginModule.h"
+#include "EffectHost.h"
+#include "NumberText.h"
+#include "OpenGLReport.h"
 
-#include <algorithm>
-#include <iomanip>
-#include <iostream>
+#include "Runtime/HostRuntime.h"
 
 namespace Halvane::Quorvex::Tools {
 
@@ -25,8 +22,9 @@ void PrintParameter(std::ostream& out, int index, const Host::ParameterTrack& pa
         }
         out << "; default " << def.u.pd.dephault << "\n";
     } else if (def.param_type == PF_Param_FLOAT_SLIDER) {
-        out << " (slider): range " << def.u.fs_d.valid_min << " to " << def.u.fs_d.valid_max
-            << ", default " << def.u.fs_d.dephault << "\n";
+        out << " (slider): range " << FormatNumber(def.u.fs_d.valid_min) << " to "
+            << FormatNumber(def.u.fs_d.valid_max) << ", default "
+            << FormatNumber(def.u.fs_d.dephault) << "\n";
     } else {
         out << " (type " << def.param_type << ")\n";
     }
@@ -34,36 +32,38 @@ void PrintParameter(std::ostream& out, int index, const Host::ParameterTrack& pa
 
 }  // namespace
 
-int RunInfoCommand(const std::string& modulePath, std::ostream& out)
+InfoCommand::InfoCommand(std::string modulePath, std::ostream& out)
+    : mModulePath(std::move(modulePath)), mOut(out)
 {
-    try {
-        Host::HostRuntime host;
-        Host::PluginModule module(modulePath);
-        Host::EffectSession session(host, module);
+}
 
-        std::string about;
-        if (const PF_Err err = session.about(about)) {
-            std::cerr << "quorvex: the effect's About failed: " << Host::DescribeEffectError(err) << "\n";
-            return 1;
-        }
-        std::replace(about.begin(), about.end(), '\r', '\n');
-        out << about << "\n";
+int InfoCommand::run()
+{
+    EffectHost effect(mModulePath);
+    const std::string about = effect.about();
+    const OpenGLReport gl = OpenGLReport::parse(effect.setUp(true));
 
-        if (const PF_Err err = session.paramsSetup()) {
-            std::cerr << "quorvex: the effect's parameter set-up failed: "
-                      << Host::DescribeEffectError(err) << "\n";
-            return 1;
-        }
-        out << "Parameters:\n";
-        int index = 1;
-        for (const auto& parameter : host.parameters()) {
-            PrintParameter(out, index++, parameter);
-        }
-        return 0;
-    } catch (const Host::HostError& error) {
-        std::cerr << "quorvex: " << error.what() << "\n";
-        return 1;
+    mOut << about << "\n";
+    mOut << "Module: " << mModulePath << "\n\n";
+    mOut << "Parameters:\n";
+    int index = 1;
+    for (const auto& parameter : effect.runtime().parameters()) {
+        PrintParameter(mOut, index++, parameter);
     }
+    mOut << "\n";
+    if (gl.present()) {
+        mOut << "OpenGL (as the module reports it):\n"
+             << "  Version:  " << gl.version() << "\n"
+             << "  Vendor:   " << gl.vendor() << "\n"
+             << "  Renderer: " << gl.renderer() << "\n";
+    } else {
+        mOut << "OpenGL: not reported by the module\n";
+    }
+    if (!Trimmed(gl.rest()).empty()) {
+        mOut << "\nThe module also printed:\n" << gl.rest();
+    }
+    effect.setDown();
+    return 0;
 }
 
 }  // namespace Halvane::Quorvex::Tools

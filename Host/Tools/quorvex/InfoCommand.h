@@ -5,8 +5,19 @@
 
 namespace Halvane::Quorvex::Tools {
 
-// Loads the module and writes its About text and its parameters to `out`.
-// Returns the process exit code; errors go to standard error.
-int RunInfoCommand(const std::string& modulePath, std::ostream& out);
+// `quorvex info`: the module's About text, its parameters with their
+// ranges and defaults, and the OpenGL version, vendor and renderer the
+// module reports when it sets up.
+class InfoCommand {
+public:
+    InfoCommand(std::string modulePath, std::ostream& out);
+
+    // Returns the exit code; throws ToolError for every failure.
+    int run();
+
+private:
+    std::string mModulePath;
+    std::ostream& mOut;
+};
 
 }  // namespace Halvane::Quorvex::Tools

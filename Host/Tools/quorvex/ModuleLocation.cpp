@@ -8,7 +8,8 @@ std::string DefaultModulePath()
 {
     std::error_code error;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    const std::filesystem::path folder = error ? std::filesystem::current_path() : program.parent_path();
+    const std::filesystem::path folder =
+        error ? std::filesystem::current_path() : program.parent_path();
     return (folder / "Quorvex.so").string();
 }
 

@@ -1,7 +1,14 @@
+#include "DemoCommand.h"
 #include "InfoCommand.h"
 #include "ModuleLocation.h"
+#include "RenderCommand.h"
+#include "ToolError.h"
 
 #include <CLI/CLI.hpp>
+
+extern "C" {
+#include <libavutil/log.h>
+}
 
 #include <iostream>
 
@@ -9,22 +16,94 @@ int main(int argc, char** argv)
 {
     using namespace Halvane::Quorvex::Tools;
 
-    CLI::App app{"quorvex: applies the Quorvex glitch effect"};
+    // FFmpeg's own chatter would bury the one line that matters; every
+    // failure reaches the user through a ToolError.
+    av_log_set_level(AV_LOG_QUIET);
+
+    CLI::App app{
+        "quorvex: applies the Quorvex glitch effect to pictures, image sequences and video"};
     app.require_subcommand(1);
     std::string modulePath = DefaultModulePath();
-    app.add_option("--plugin", modulePath, "the effect module to load")->check(CLI::ExistingFile);
+    bool quiet = false;
+    app.add_option("--plugin", modulePath,
+                   "the effect module to load (default: Quorvex.so beside quorvex)");
+    app.add_flag("-q,--quiet", quiet, "no progress or notes on standard error");
 
-    CLI::App* info = app.add_subcommand("info", "show the effect's About text and parameters");
-    info->fallthrough();
+    RenderCommand::Options render;
+    CLI::App* renderCommand =
+        app.add_subcommand("render", "apply the effect to a picture, an image sequence or a video");
+    renderCommand
+        ->add_option("input", render.input,
+                     "a picture (PNG, TIFF, JPEG, EXR, ...), an image sequence "
+                     "(frame.%04d.png) or a video")
+        ->required();
+    renderCommand
+        ->add_option("output", render.output,
+                     "a picture, an image sequence, or a video: .mp4 (H.264), "
+                     ".mov (ProRes 4444 with alpha), .mkv (FFV1)")
+        ->required();
+    renderCommand->add_option(
+        "--glitch", render.glitch,
+        "block or badtv, or keyframes held until the next: \"0:block,2.5:badtv\" "
+        "(seconds:type); default block");
+    renderCommand->add_option(
+        "--speed", render.speed,
+        "0 to 3, or keyframes moving linearly: \"0:0.5,4:3\" (seconds:value); "
+        "default 1");
+    renderCommand->add_option("--time", render.time,
+                              "the time of a single picture, in seconds (default 1)");
+    renderCommand->add_option("--time-offset", render.timeOffset,
+                              "the time of a clip's first frame, in seconds (default 0)");
+    renderCommand->add_option(
+        "--frames", render.frames,
+        "FIRST:LAST frame numbers of an input image sequence (default: all files "
+        "that match)");
+    renderCommand->add_option(
+        "--fps", render.fps,
+        "frame rate of an image sequence or picture input: 24, 29.97, 30000/1001 "
+        "(default 24)");
+    renderCommand->add_option("--depth", render.depth,
+                              "auto, 8, 16 or 32 (float) bits a channel; auto follows the input");
+    renderCommand->add_option(
+        "--codec", render.codec,
+        "the FFmpeg encoder of a video output (libx264, prores_ks, ffv1, ...)");
+    renderCommand->fallthrough();
+
+    std::string demoFolder = DemoCommand::kDefaultFolder;
+    CLI::App* demoCommand = app.add_subcommand(
+        "demo", "render a built-in test clip with each glitch type, and a contact sheet");
+    demoCommand->add_option("dir", demoFolder, "where the files go (default ./quorvex-demo)");
+    demoCommand->fallthrough();
+
+    CLI::App* infoCommand = app.add_subcommand(
+        "info", "show the effect's About text, parameters, and the OpenGL it uses");
+    infoCommand->fallthrough();
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : 2;
+        if (error.get_exit_code() == 0) {
+            return app.exit(error);
+        }
+        std::cerr << "quorvex: " << error.what() << " (see quorvex --help)\n";
+        return ToolError::kUsageExitCode;
     }
 
-    if (*info) {
-        return RunInfoCommand(modulePath, std::cout);
+    try {
+        if (*renderCommand) {
+            render.modulePath = modulePath;
+            render.quiet = quiet;
+            return RenderCommand(render).run();
+        }
+        if (*demoCommand) {
+            return DemoCommand(demoFolder, modulePath, quiet).run();
+        }
+        return InfoCommand(modulePath, std::cout).run();
+    } catch (const ToolError& error) {
+        std::cerr << "quorvex: " << error.what() << "\n";
+        return error.exitCode();
+    } catch (const std::exception& error) {
+        std::cerr << "quorvex: " << error.what() << "\n";
+        return ToolError::kRuntimeExitCode;
     }
-    return 2;
 }

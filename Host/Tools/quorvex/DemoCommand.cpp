@@ -1,0 +1,110 @@
+#include "DemoCommand.h"
+
+#include "ContactSheet.h"
+#include "DemoClip.h"
+#include "EffectHost.h"
+#include "EffectSettings.h"
+#include "FrameTimeline.h"
+#include "InterruptWatcher.h"
+#include "ProgressReporter.h"
+#include "RenderPipeline.h"
+#include "ToolError.h"
+#include "VideoEncoderChoice.h"
+#include "VideoWriter.h"
+
+#include <array>
+#include <filesystem>
+#include <iostream>
+
+namespace Halvane::Quorvex::Tools {
+
+namespace {
+
+// The frames of the contact sheet: 0.25, 1, 1.75 and 2.5 seconds in.
+constexpr std::array<std::size_t, 4> kSampleFrames = {6, 24, 42, 60};
+constexpr std::array<int, 2> kGlitchTypes = {1, 2};
+
+int SampleColumn(std::size_t index)
+{
+    for (std::size_t column = 0; column < kSampleFrames.size(); ++column) {
+        if (kSampleFrames[column] == index) {
+            return static_cast<int>(column);
+        }
+    }
+    return -1;
+}
+
+}  // namespace
+
+DemoCommand::DemoCommand(std::string folder, std::string modulePath, bool quiet)
+    : mFolder(std::move(folder)), mModulePath(std::move(modulePath)), mQuiet(quiet)
+{
+}
+
+int DemoCommand::run()
+{
+    InterruptWatcher interrupts;
+    const std::filesystem::path folder(mFolder);
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) {
+        throw ToolError::runtime("cannot make the folder '" + mFolder + "': " + error.message());
+    }
+
+    EffectHost effect(mModulePath);
+    effect.setUp();
+
+    ContactSheet sheet(1 + static_cast<int>(kGlitchTypes.size()),
+                       static_cast<int>(kSampleFrames.size()), DemoClip::kWidth, DemoClip::kHeight);
+    for (std::size_t column = 0; column < kSampleFrames.size(); ++column) {
+        sheet.place(0, static_cast<int>(column), DemoClip::frameAt(kSampleFrames[column]));
+    }
+
+    std::vector<std::string> written;
+    for (std::size_t row = 0; row < kGlitchTypes.size(); ++row) {
+        const int glitchType = kGlitchTypes[row];
+        const std::string path =
+            (folder / (EffectSettings::glitchTypeName(glitchType) + ".mp4")).string();
+        effect.apply(EffectSettings::constant(glitchType));
+
+        DemoClip clip;
+        VideoEncoderChoice encoder = VideoEncoderChoice::choose(path, "");
+        encoder.fitTo(DemoClip::kWidth, DemoClip::kHeight, PixelDepth::Eight, true);
+        VideoWriter::Settings settings;
+        settings.width = DemoClip::kWidth;
+        settings.height = DemoClip::kHeight;
+        settings.rate = clip.info().rate;
+        VideoWriter video(path, encoder, settings, nullptr, nullptr);
+
+        ProgressReporter progress(ProgressReporter::styleFor(mQuiet),
+                                  std::filesystem::path(path).filename().string(),
+                                  clip.info().frameCount, std::cerr);
+        RenderPipeline pipeline(clip, video, effect, PixelDepth::Eight,
+                                FrameTimeline::forClip(clip.info().rate, 0.0), progress,
+                                interrupts);
+        pipeline.setRenderedFrameHook([&sheet, row](const SourceFrame& rendered) {
+            const int column = SampleColumn(rendered.index);
+            if (column >= 0) {
+                sheet.place(static_cast<int>(row) + 1, column, rendered.frame);
+            }
+        });
+        pipeline.run();
+        written.push_back(path);
+    }
+
+    const std::string sheetPath = (folder / "contact-sheet.png").string();
+    sheet.write(sheetPath);
+    written.push_back(sheetPath);
+    effect.setDown();
+
+    if (!mQuiet) {
+        std::cerr << "quorvex demo: wrote";
+        for (std::size_t i = 0; i < written.size(); ++i) {
+            std::cerr << (i == 0 ? " " : i + 1 == written.size() ? " and " : ", ") << written[i];
+        }
+        std::cerr << "\n";
+    }
+    return 0;
+}
+
+}  // namespace Halvane::Quorvex::Tools

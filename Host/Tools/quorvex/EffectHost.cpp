@@ -1,0 +1,144 @@
+#include "EffectHost.h"
+
+#include "EffectSettings.h"
+#include "FrameConverter.h"
+#include "NumberText.h"
+#include "StandardOutputCapture.h"
+
+#include "Runtime/EffectSession.h"
+#include "Runtime/HostError.h"
+#include "Runtime/HostRuntime.h"
+#include "Runtime/PluginModule.h"
+#include "Runtime/World.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+
+namespace Halvane::Quorvex::Tools {
+
+namespace {
+
+// "out of memory (error 4)"; numbers without words stay numbers.
+std::string StatusInWords(int status)
+{
+    const std::string words = Host::DescribeEffectError(status);
+    if (words.rfind("error ", 0) == 0) {
+        return words;
+    }
+    return words + " (error " + std::to_string(status) + ")";
+}
+
+}  // namespace
+
+EffectHost::EffectHost(const std::string& modulePath) : mModulePath(modulePath)
+{
+    try {
+        mRuntime = std::make_unique<Host::HostRuntime>();
+        mModule = std::make_unique<Host::PluginModule>(modulePath);
+    } catch (const Host::HostError& error) {
+        throw ToolError::runtime(error.what());
+    }
+    mSession = std::make_unique<Host::EffectSession>(*mRuntime, *mModule);
+}
+
+EffectHost::~EffectHost()
+{
+    if (mSetUp) {
+        mSession->globalSetdown();
+    }
+}
+
+ToolError EffectHost::failure(const std::string& command, int status) const
+{
+    std::string message =
+        "the effect module '" + mModulePath + "' failed " + command + ": " + StatusInWords(status);
+    const std::string shown = mSession->errorMessage();
+    if (!shown.empty()) {
+        message += ": " + shown;
+    }
+    return ToolError::runtime(message);
+}
+
+std::string EffectHost::about()
+{
+    std::string text;
+    if (const PF_Err status = mSession->about(text)) {
+        throw failure("About", status);
+    }
+    std::replace(text.begin(), text.end(), '\r', '\n');
+    return text;
+}
+
+std::string EffectHost::setUp(bool captureOutput)
+{
+    std::string printed;
+    PF_Err status = PF_Err_NONE;
+    {
+        std::optional<StandardOutputCapture> capture;
+        if (captureOutput) {
+            capture.emplace();
+        }
+        status = mSession->globalSetup();
+        if (capture) {
+            printed = capture->finish();
+        }
+    }
+    if (status != PF_Err_NONE) {
+        // What the effect printed may say why; it goes where it would have.
+        std::fwrite(printed.data(), 1, printed.size(), stdout);
+        throw failure("GlobalSetup", status);
+    }
+    mSetUp = true;
+    if (const PF_Err paramsStatus = mSession->paramsSetup()) {
+        throw failure("ParamsSetup", paramsStatus);
+    }
+    return printed;
+}
+
+void EffectHost::apply(const EffectSettings& settings)
+{
+    settings.applyTo(*mRuntime);
+}
+
+RgbaFrame EffectHost::render(const RgbaFrame& input, PixelDepth depth, const Host::FrameTime& time,
+                             const std::string& label)
+{
+    const PF_PixelFormat format = PixelFormatOf(depth);
+    if (!mInputWorld || mInputWorld->width() != input.width() ||
+        mInputWorld->height() != input.height() || mInputWorld->format() != format) {
+        try {
+            mInputWorld = std::make_unique<Host::World>(input.width(), input.height(), format);
+            mOutputWorld = std::make_unique<Host::World>(input.width(), input.height(), format);
+        } catch (const Host::HostError& error) {
+            throw ToolError::runtime(error.what());
+        }
+    }
+    FrameConverter::toWorld(input, *mInputWorld);
+    // A fresh transparent output each frame: nothing of the last frame can
+    // show through a frame the effect leaves untouched.
+    for (A_long y = 0; y < mOutputWorld->height(); ++y) {
+        std::fill_n(mOutputWorld->row(y),
+                    static_cast<std::size_t>(mOutputWorld->width()) * mOutputWorld->pixelSize(), 0);
+    }
+    if (const PF_Err status = mSession->renderFrame(*mInputWorld, *mOutputWorld, time)) {
+        throw failure("to render " + label + " (" + std::to_string(input.width()) + "x" +
+                          std::to_string(input.height()) + ", " + DepthName(depth) + ", at " +
+                          FormatNumber(time.seconds()) + " s)",
+                      status);
+    }
+    return FrameConverter::fromWorld(*mOutputWorld);
+}
+
+void EffectHost::setDown()
+{
+    if (!mSetUp) {
+        return;
+    }
+    mSetUp = false;
+    if (const PF_Err status = mSession->globalSetdown()) {
+        throw failure("GlobalSetdown", status);
+    }
+}
+
+}  // namespace Halvane::Quorvex::Tools

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "PixelDepth.h"
+#include "RgbaFrame.h"
+#include "ToolError.h"
+
+#include "Runtime/FrameTime.h"
+
+#include <memory>
+#include <string>
+
+namespace Halvane::Quorvex::Host {
+class EffectSession;
+class HostRuntime;
+class PluginModule;
+class World;
+}  // namespace Halvane::Quorvex::Host
+
+namespace Halvane::Quorvex::Tools {
+
+class EffectSettings;
+
+// One effect module driven the way a host drives it: loaded, set up once,
+// its parameters declared, then frame by frame a pre-render and a render at
+// the frame's time, and set down at the end. Every failure becomes a
+// ToolError (runtime) that names the module or the frame and the effect's
+// status in words.
+class EffectHost {
+public:
+    // Loads the module. Throws ToolError naming the path and the loader's
+    // reason.
+    explicit EffectHost(const std::string& modulePath);
+    // Sets the effect down if it was set up and not yet set down.
+    ~EffectHost();
+
+    EffectHost(const EffectHost&) = delete;
+    EffectHost& operator=(const EffectHost&) = delete;
+
+    std::string about();
+    // GlobalSetup, then ParamsSetup. With `captureOutput`, what the module
+    // prints on standard output during GlobalSetup is returned instead of
+    // shown.
+    std::string setUp(bool captureOutput = false);
+    void apply(const EffectSettings& settings);
+    // Renders one frame at `depth` (the input is converted to it) and
+    // returns the output at that depth. `label` names the frame in messages.
+    RgbaFrame render(const RgbaFrame& input, PixelDepth depth, const Host::FrameTime& time,
+                     const std::string& label);
+    // GlobalSetdown; throws when the effect fails it.
+    void setDown();
+
+    Host::HostRuntime& runtime() { return *mRuntime; }
+    const std::string& modulePath() const { return mModulePath; }
+
+private:
+    ToolError failure(const std::string& command, int status) const;
+
+    std::string mModulePath;
+    std::unique_ptr<Host::HostRuntime> mRuntime;
+    std::unique_ptr<Host::PluginModule> mModule;
+    std::unique_ptr<Host::EffectSession> mSession;
+    std::unique_ptr<Host::World> mInputWorld;
+    std::unique_ptr<Host::World> mOutputWorld;
+    bool mSetUp = false;
+};
+
+}  // namespace Halvane::Quorvex::Tools

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace Halvane::Quorvex::Tools {
+
+// The frame numbers FIRST to LAST of an image sequence, both included.
+class FrameRange {
+public:
+    FrameRange(long first, long last);
+
+    // "FIRST:LAST"; throws ToolError (usage) naming the text unless both are
+    // whole numbers of at least 0 and FIRST is not after LAST.
+    static FrameRange parse(const std::string& text);
+
+    long first() const { return mFirst; }
+    long last() const { return mLast; }
+    std::size_t count() const { return static_cast<std::size_t>(mLast - mFirst + 1); }
+
+private:
+    long mFirst;
+    long mLast;
+};
+
+}  // namespace Halvane::Quorvex::Tools

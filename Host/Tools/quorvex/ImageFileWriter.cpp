@@ -1,0 +1,78 @@
+#include "ImageFileWriter.h"
+
+#include "ImageFileReader.h"
+#include "ToolError.h"
+
+#include <OpenImageIO/imageio.h>
+
+#include <filesystem>
+
+namespace Halvane::Quorvex::Tools {
+
+namespace {
+
+std::unique_ptr<OIIO::ImageOutput> CreateOutput(const std::string& target)
+{
+    auto output = OIIO::ImageOutput::create(target);
+    OIIO::geterror();  // a failed look-up leaves a message nobody needs
+    return output;
+}
+
+}  // namespace
+
+ImageFileWriter::ImageFileWriter(const std::string& target) : mTarget(target)
+{
+    if (!knowsExtension(target)) {
+        const std::string extension = std::filesystem::path(target).extension().string();
+        throw ToolError::usage("unknown output extension '" + extension + "' of '" + target +
+                               "' (expected a picture format such as .png, .tif, .exr, .jpg, "
+                               "or a video: .mp4, .mov, .mkv)");
+    }
+}
+
+bool ImageFileWriter::knowsExtension(const std::string& target)
+{
+    return !std::filesystem::path(target).extension().empty() && CreateOutput(target) != nullptr;
+}
+
+void ImageFileWriter::write(const RgbaFrame& frame, const std::string& path, bool halfFloat) const
+{
+    auto output = CreateOutput(mTarget);
+    if (!output) {
+        throw ToolError::runtime("cannot write '" + mTarget + "': no writer for its format");
+    }
+    const bool withAlpha = output->supports("alpha");
+    const OIIO::TypeDesc frameType = ImageFileReader::sampleTypeOf(frame.depth());
+    const OIIO::TypeDesc fileType =
+        frame.depth() == PixelDepth::Float && halfFloat ? OIIO::TypeDesc::HALF : frameType;
+    OIIO::ImageSpec spec(frame.width(), frame.height(), withAlpha ? 4 : 3, fileType);
+
+    const RgbaFrame* pixels = &frame;
+    RgbaFrame premultiplied;
+    if (withAlpha && std::string(output->format_name()) == "openexr") {
+        premultiplied = frame;
+        premultiplied.premultiply();
+        pixels = &premultiplied;
+    } else if (withAlpha) {
+        spec.attribute("oiio:UnassociatedAlpha", 1);
+    }
+
+    const auto fail = [&](const std::string& reason) {
+        return ToolError::runtime("cannot write '" + mTarget + "': " + reason);
+    };
+    if (!output->open(path, spec)) {
+        throw fail(output->geterror());
+    }
+    const auto pixelStride =
+        static_cast<OIIO::stride_t>(RgbaFrame::kChannels * ChannelSize(frame.depth()));
+    if (!output->write_image(frameType, pixels->bytes(), pixelStride)) {
+        const std::string reason = output->geterror();
+        output->close();
+        throw fail(reason);
+    }
+    if (!output->close()) {
+        throw fail(output->geterror());
+    }
+}
+
+}  // namespace Halvane::Quorvex::Tools

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "RgbaFrame.h"
+
+#include <string>
+
+namespace Halvane::Quorvex::Tools {
+
+// Writes pictures through OpenImageIO in the format that the target's
+// extension names. The samples keep the frame's depth where the format
+// holds it (OpenImageIO narrows them where it does not: JPEG is 8-bit, PNG
+// 8 or 16); alpha stays straight, except in formats that store colours
+// multiplied by alpha (OpenEXR), and is left out where the format has none.
+class ImageFileWriter {
+public:
+    // Throws ToolError (usage) naming the target when no picture format
+    // goes with its extension.
+    explicit ImageFileWriter(const std::string& target);
+
+    static bool knowsExtension(const std::string& target);
+
+    // Writes `frame` into `path` (a temporary beside the target) in the
+    // target's format; float frames as half floats when `halfFloat`.
+    // Throws ToolError (runtime) naming the target.
+    void write(const RgbaFrame& frame, const std::string& path, bool halfFloat) const;
+
+private:
+    std::string mTarget;
+};
+
+}  // namespace Halvane::Quorvex::Tools

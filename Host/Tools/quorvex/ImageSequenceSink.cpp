@@ -1,0 +1,27 @@
+#include "ImageSequenceSink.h"
+
+namespace Halvane::Quorvex::Tools {
+
+ImageSequenceSink::ImageSequenceSink(const ImageSequencePattern& pattern, long firstNumber,
+                                     bool halfFloat)
+    : mPattern(pattern), mWriter(pattern.text()), mFirstNumber(firstNumber), mHalfFloat(halfFloat)
+{
+    mFiles.emplace_back(mPattern.pathOf(mFirstNumber));
+}
+
+void ImageSequenceSink::write(const SourceFrame& frame)
+{
+    while (mFiles.size() <= frame.index) {
+        mFiles.emplace_back(mPattern.pathOf(mFirstNumber + static_cast<long>(mFiles.size())));
+    }
+    mWriter.write(frame.frame, mFiles[frame.index].temporaryPath(), mHalfFloat);
+}
+
+void ImageSequenceSink::finish()
+{
+    for (AtomicOutputFile& file : mFiles) {
+        file.commit();
+    }
+}
+
+}  // namespace Halvane::Quorvex::Tools

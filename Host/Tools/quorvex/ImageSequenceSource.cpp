@@ -1,0 +1,73 @@
+#include "ImageSequenceSource.h"
+
+#include "ImageFileReader.h"
+#include "ToolError.h"
+
+#include <filesystem>
+
+namespace Halvane::Quorvex::Tools {
+
+namespace {
+
+FrameRange RangeOf(const ImageSequencePattern& pattern, const std::optional<FrameRange>& range)
+{
+    if (range) {
+        return *range;
+    }
+    const std::vector<long> numbers = pattern.existingNumbers();
+    if (numbers.empty()) {
+        throw ToolError::runtime("no files match the image sequence '" + pattern.text() + "'");
+    }
+    return FrameRange(numbers.front(), numbers.back());
+}
+
+}  // namespace
+
+ImageSequenceSource::ImageSequenceSource(const ImageSequencePattern& pattern,
+                                         const std::optional<FrameRange>& range,
+                                         const FrameRate& rate)
+    : mPattern(pattern), mRange(RangeOf(pattern, range))
+{
+    for (long number = mRange.first(); number <= mRange.last(); ++number) {
+        std::error_code error;
+        if (!std::filesystem::exists(mPattern.pathOf(number), error)) {
+            throw ToolError::runtime("the image sequence '" + mPattern.text() + "' (frames " +
+                                     std::to_string(mRange.first()) + " to " +
+                                     std::to_string(mRange.last()) + ") lacks '" +
+                                     mPattern.pathOf(number) + "'");
+        }
+    }
+    const ImageFileReader first(mPattern.pathOf(mRange.first()));
+    mInfo.name = mPattern.text();
+    mInfo.width = first.width();
+    mInfo.height = first.height();
+    mInfo.depth = first.depth();
+    mInfo.hasAlpha = first.hasAlpha();
+    mInfo.halfFloat = first.isHalfFloat();
+    mInfo.rate = rate;
+    mInfo.frameCount = mRange.count();
+    mInfo.firstNumber = mRange.first();
+}
+
+bool ImageSequenceSource::read(PipelineItem& item)
+{
+    if (mNext >= mRange.count()) {
+        return false;
+    }
+    const std::string path = mPattern.pathOf(mRange.first() + static_cast<long>(mNext));
+    ImageFileReader reader(path);
+    if (reader.width() != mInfo.width || reader.height() != mInfo.height) {
+        throw ToolError::runtime(
+            "'" + path + "' is " + std::to_string(reader.width()) + "x" +
+            std::to_string(reader.height()) + ", unlike the sequence's first frame (" +
+            std::to_string(mInfo.width) + "x" + std::to_string(mInfo.height) + ")");
+    }
+    RgbaFrame frame = reader.read();
+    if (frame.depth() != mInfo.depth) {
+        frame = frame.convertedTo(mInfo.depth);
+    }
+    item = SourceFrame{mNext++, std::move(frame)};
+    return true;
+}
+
+}  // namespace Halvane::Quorvex::Tools

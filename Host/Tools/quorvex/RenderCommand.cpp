@@ -1,0 +1,125 @@
+#include "RenderCommand.h"
+
+#include "EffectHost.h"
+#include "EffectSettings.h"
+#include "FrameTimeline.h"
+#include "InterruptWatcher.h"
+#include "NumberText.h"
+#include "ProgressReporter.h"
+#include "RenderPipeline.h"
+#include "SinkFactory.h"
+#include "SourceFactory.h"
+#include "ToolError.h"
+#include "VideoEncoderChoice.h"
+
+#include <filesystem>
+#include <iostream>
+#include <optional>
+
+namespace Halvane::Quorvex::Tools {
+
+namespace {
+
+std::optional<double> SecondsOption(const std::string& option, const std::string& text)
+{
+    if (text.empty()) {
+        return std::nullopt;
+    }
+    double seconds = 0.0;
+    if (!ParseDouble(text, seconds)) {
+        throw ToolError::usage(option + ": '" + text + "' is not a number of seconds");
+    }
+    return seconds;
+}
+
+}  // namespace
+
+RenderCommand::RenderCommand(Options options) : mOptions(std::move(options))
+{
+}
+
+int RenderCommand::run()
+{
+    // Before any thread starts, so that every thread leaves signals to it.
+    InterruptWatcher interrupts;
+
+    // What the user typed, checked before any file is touched.
+    const EffectSettings settings = EffectSettings::parse(mOptions.glitch, mOptions.speed);
+    const std::optional<PixelDepth> chosenDepth = ParseDepthOption(mOptions.depth);
+    const std::optional<double> time = SecondsOption("--time", mOptions.time);
+    const std::optional<double> timeOffset = SecondsOption("--time-offset", mOptions.timeOffset);
+    SourceFactory::Options sourceOptions;
+    if (!mOptions.frames.empty()) {
+        sourceOptions.frames = FrameRange::parse(mOptions.frames);
+    }
+    if (!mOptions.fps.empty()) {
+        sourceOptions.rate = FrameRate::parse("--fps", mOptions.fps);
+    }
+    const SinkFactory::Kind outputKind = SinkFactory::classify(mOptions.output);
+    std::optional<VideoEncoderChoice> encoder;
+    if (outputKind == SinkFactory::Kind::Video) {
+        encoder = VideoEncoderChoice::choose(mOptions.output, mOptions.codec);
+    } else if (!mOptions.codec.empty()) {
+        throw ToolError::usage("--codec: '" + mOptions.output +
+                               "' is not a video; --codec applies to video outputs");
+    }
+    const bool sequenceInput = SourceFactory::namesImageSequence(mOptions.input);
+    if (sourceOptions.frames && !sequenceInput) {
+        throw ToolError::usage("--frames: '" + mOptions.input +
+                               "' is not an image sequence (name one like frame.%04d.png)");
+    }
+
+    const std::unique_ptr<FrameSource> source = SourceFactory::open(mOptions.input, sourceOptions);
+    const SourceInfo& info = source->info();
+    const VideoReader* video = SourceFactory::videoReaderOf(*source);
+    if (video && sourceOptions.rate) {
+        throw ToolError::usage("--fps: '" + mOptions.input + "' is a video and keeps its own rate");
+    }
+    if (info.isStill && timeOffset) {
+        throw ToolError::usage("--time-offset: '" + mOptions.input +
+                               "' is a single picture; give its time with --time");
+    }
+    if (!info.isStill && time) {
+        throw ToolError::usage("--time: '" + mOptions.input +
+                               "' is a clip; shift its times with --time-offset");
+    }
+    if (outputKind == SinkFactory::Kind::Still && info.frameCount && *info.frameCount > 1) {
+        throw ToolError::usage("'" + mOptions.output + "' is a single picture but '" +
+                               mOptions.input + "' has " + std::to_string(*info.frameCount) +
+                               " frames; name an image sequence (frame.%04d.png) or a video");
+    }
+    const FrameTimeline timeline =
+        info.isStill ? FrameTimeline::forStill(time.value_or(1.0))
+                     : FrameTimeline::forClip(info.rate, timeOffset.value_or(0.0));
+    const PixelDepth depth = chosenDepth.value_or(info.depth);
+
+    SinkFactory::Request request;
+    request.kind = outputKind;
+    request.depth = depth;
+    request.halfFloat = !chosenDepth && info.halfFloat;
+    request.firstNumber = info.firstNumber;
+    request.copyFrom = video;
+    request.notes = mOptions.quiet ? nullptr : &std::cerr;
+    if (encoder) {
+        encoder->fitTo(info.width, info.height, depth, info.hasAlpha);
+        if (!encoder->note().empty() && !mOptions.quiet) {
+            std::cerr << "quorvex: note: " << encoder->note() << "\n";
+        }
+        request.encoder = &*encoder;
+    }
+    const std::unique_ptr<FrameSink> sink = SinkFactory::open(mOptions.output, info, request);
+
+    EffectHost effect(mOptions.modulePath);
+    effect.setUp();
+    effect.apply(settings);
+
+    ProgressReporter progress(ProgressReporter::styleFor(mOptions.quiet),
+                              std::filesystem::path(mOptions.output).filename().string(),
+                              info.frameCount, std::cerr);
+    RenderPipeline pipeline(*source, *sink, effect, depth, timeline, progress, interrupts);
+    pipeline.run();
+    effect.setDown();
+    return 0;
+}
+
+}  // namespace Halvane::Quorvex::Tools

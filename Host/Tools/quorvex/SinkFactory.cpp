@@ -1,0 +1,47 @@
+#include "SinkFactory.h"
+
+#include "ImageFileWriter.h"
+#include "ImageSequencePattern.h"
+#include "ImageSequenceSink.h"
+#include "StillImageSink.h"
+#include "VideoEncoderChoice.h"
+#include "VideoWriter.h"
+
+namespace Halvane::Quorvex::Tools {
+
+SinkFactory::Kind SinkFactory::classify(const std::string& target)
+{
+    if (ImageSequencePattern::isPattern(target)) {
+        const ImageSequencePattern pattern(target);
+        const ImageFileWriter checked(pattern.text());
+        return Kind::Sequence;
+    }
+    if (VideoEncoderChoice::isVideoPath(target)) {
+        return Kind::Video;
+    }
+    const ImageFileWriter checked(target);
+    return Kind::Still;
+}
+
+std::unique_ptr<FrameSink> SinkFactory::open(const std::string& target, const SourceInfo& source,
+                                             const Request& request)
+{
+    switch (request.kind) {
+    case Kind::Sequence:
+        return std::make_unique<ImageSequenceSink>(ImageSequencePattern(target),
+                                                   request.firstNumber, request.halfFloat);
+    case Kind::Video: {
+        VideoWriter::Settings settings;
+        settings.width = source.width;
+        settings.height = source.height;
+        settings.rate = source.rate;
+        settings.depth = request.depth;
+        return std::make_unique<VideoWriter>(target, *request.encoder, settings, request.copyFrom,
+                                             request.notes);
+    }
+    default:
+        return std::make_unique<StillImageSink>(target, request.halfFloat);
+    }
+}
+
+}  // namespace Halvane::Quorvex::Tools

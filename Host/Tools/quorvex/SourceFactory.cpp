@@ -1,0 +1,74 @@
+#include "SourceFactory.h"
+
+#include "ImageFileReader.h"
+#include "ImageSequencePattern.h"
+#include "ImageSequenceSource.h"
+#include "StillImageSource.h"
+#include "ToolError.h"
+#include "VideoReader.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
+
+namespace Halvane::Quorvex::Tools {
+
+namespace {
+
+// The ways a path fails before any library looks at it, in plain words.
+void CheckReadableFile(const std::string& path)
+{
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    if (!std::filesystem::exists(status)) {
+        throw ToolError::runtime("cannot read '" + path + "': no such file");
+    }
+    if (std::filesystem::is_directory(status)) {
+        throw ToolError::runtime("cannot read '" + path +
+                                 "': it is a folder, not a picture or video");
+    }
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        throw ToolError::runtime("cannot read '" + path + "': " + std::strerror(errno));
+    }
+    ::close(fd);
+}
+
+}  // namespace
+
+bool SourceFactory::namesImageSequence(const std::string& path)
+{
+    std::error_code error;
+    return ImageSequencePattern::isPattern(path) && !std::filesystem::exists(path, error);
+}
+
+std::unique_ptr<FrameSource> SourceFactory::open(const std::string& path, const Options& options)
+{
+    const FrameRate rate = options.rate.value_or(FrameRate(kDefaultRate, 1));
+    if (namesImageSequence(path)) {
+        return std::make_unique<ImageSequenceSource>(ImageSequencePattern(path), options.frames,
+                                                     rate);
+    }
+    CheckReadableFile(path);
+
+    std::unique_ptr<ImageFileReader> picture;
+    try {
+        picture = std::make_unique<ImageFileReader>(path);
+    } catch (const ToolError&) {
+        // Not a picture; perhaps a video.
+    }
+    if (picture && !picture->isMovie()) {
+        return std::make_unique<StillImageSource>(path, std::move(picture), rate);
+    }
+    picture.reset();
+    return std::make_unique<VideoReader>(path);
+}
+
+const VideoReader* SourceFactory::videoReaderOf(const FrameSource& source)
+{
+    return dynamic_cast<const VideoReader*>(&source);
+}
+
+}  // namespace Halvane::Quorvex::Tools

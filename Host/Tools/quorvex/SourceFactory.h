@@ -1,0 +1,36 @@
+#pragma once
+
+#include "FrameRange.h"
+#include "FrameRate.h"
+#include "FrameSource.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace Halvane::Quorvex::Tools {
+
+class VideoReader;
+
+// Opens the input of a render by what the path names: an image sequence
+// when its file name holds a frame number placeholder (and no such file
+// exists), else a picture OpenImageIO reads, else a video FFmpeg reads.
+class SourceFactory {
+public:
+    struct Options {
+        std::optional<FrameRange> frames;  // of an image sequence
+        std::optional<FrameRate> rate;     // of an image sequence or a still
+    };
+
+    static constexpr long kDefaultRate = 24;
+
+    static bool namesImageSequence(const std::string& path);
+
+    // Throws ToolError (runtime) naming the path: missing, a folder,
+    // unreadable, or neither a picture nor a video.
+    static std::unique_ptr<FrameSource> open(const std::string& path, const Options& options);
+    // The video reader behind a source, or null for other inputs.
+    static const VideoReader* videoReaderOf(const FrameSource& source);
+};
+
+}  // namespace Halvane::Quorvex::Tools

@@ -1,0 +1,80 @@
+#include "StandardOutputCapture.h"
+
+#include "ToolError.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <unistd.h>
+
+namespace Halvane::Quorvex::Tools {
+
+namespace {
+
+void FlushStandardOutput()
+{
+    std::cout.flush();
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+StandardOutputCapture::StandardOutputCapture()
+{
+    FlushStandardOutput();
+    // An unlinked temporary file rather than a pipe: however much the
+    // module prints, nothing blocks.
+    std::FILE* file = std::tmpfile();
+    if (!file) {
+        throw ToolError::runtime(std::string("cannot capture standard output: ") +
+                                 std::strerror(errno));
+    }
+    mCapture = ::dup(fileno(file));
+    std::fclose(file);
+    mSavedOutput = ::dup(STDOUT_FILENO);
+    if (mCapture < 0 || mSavedOutput < 0 || ::dup2(mCapture, STDOUT_FILENO) < 0) {
+        const std::string reason = std::strerror(errno);
+        restore();
+        throw ToolError::runtime("cannot capture standard output: " + reason);
+    }
+}
+
+StandardOutputCapture::~StandardOutputCapture()
+{
+    restore();
+}
+
+void StandardOutputCapture::restore()
+{
+    if (mSavedOutput >= 0) {
+        FlushStandardOutput();
+        ::dup2(mSavedOutput, STDOUT_FILENO);
+        ::close(mSavedOutput);
+        mSavedOutput = -1;
+    }
+}
+
+std::string StandardOutputCapture::finish()
+{
+    restore();
+    std::string text;
+    if (mCapture < 0) {
+        return text;
+    }
+    ::lseek(mCapture, 0, SEEK_SET);
+    char buffer[4096];
+    for (;;) {
+        const ssize_t count = ::read(mCapture, buffer, sizeof(buffer));
+        if (count <= 0) {
+            break;
+        }
+        text.append(buffer, static_cast<std::size_t>(count));
+    }
+    ::close(mCapture);
+    mCapture = -1;
+    return text;
+}
+
+}  // namespace Halvane::Quorvex::Tools

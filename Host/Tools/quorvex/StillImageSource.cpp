@@ -1,0 +1,30 @@
+#include "StillImageSource.h"
+
+namespace Halvane::Quorvex::Tools {
+
+StillImageSource::StillImageSource(const std::string& path, std::unique_ptr<ImageFileReader> reader,
+                                   const FrameRate& rate)
+    : mReader(std::move(reader))
+{
+    mInfo.rate = rate;
+    mInfo.name = path;
+    mInfo.width = mReader->width();
+    mInfo.height = mReader->height();
+    mInfo.depth = mReader->depth();
+    mInfo.hasAlpha = mReader->hasAlpha();
+    mInfo.halfFloat = mReader->isHalfFloat();
+    mInfo.isStill = true;
+    mInfo.frameCount = 1;
+}
+
+bool StillImageSource::read(PipelineItem& item)
+{
+    if (!mReader) {
+        return false;
+    }
+    item = SourceFrame{0, mReader->read()};
+    mReader.reset();
+    return true;
+}
+
+}  // namespace Halvane::Quorvex::Tools

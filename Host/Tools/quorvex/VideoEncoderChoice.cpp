@@ -1,0 +1,137 @@
+#include "VideoEncoderChoice.h"
+
+#include "ImageFileWriter.h"
+#include "ToolError.h"
+
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+
+namespace Halvane::Quorvex::Tools {
+
+namespace {
+
+std::string ExtensionOf(const std::string& path)
+{
+    std::string extension = std::filesystem::path(path).extension().string();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return extension;
+}
+
+const char* DefaultEncoderName(const std::string& extension)
+{
+    if (extension == ".mp4" || extension == ".m4v") {
+        return "libx264";
+    }
+    if (extension == ".mov") {
+        return "prores_ks";
+    }
+    if (extension == ".mkv") {
+        return "ffv1";
+    }
+    return nullptr;
+}
+
+const AVCodec* FindEncoder(const std::string& name)
+{
+    if (const AVCodec* codec = avcodec_find_encoder_by_name(name.c_str())) {
+        return codec;
+    }
+    // A codec's own name ("h264", "prores") stands for its default encoder.
+    const AVCodecDescriptor* descriptor = avcodec_descriptor_get_by_name(name.c_str());
+    return descriptor ? avcodec_find_encoder(descriptor->id) : nullptr;
+}
+
+}  // namespace
+
+bool VideoEncoderChoice::isVideoPath(const std::string& target)
+{
+    if (std::filesystem::path(target).extension().empty()) {
+        return false;
+    }
+    const AVOutputFormat* format = av_guess_format(nullptr, target.c_str(), nullptr);
+    return format && format->video_codec != AV_CODEC_ID_NONE && !(format->flags & AVFMT_NOFILE) &&
+           !ImageFileWriter::knowsExtension(target);
+}
+
+VideoEncoderChoice VideoEncoderChoice::choose(const std::string& target,
+                                              const std::string& codecName)
+{
+    VideoEncoderChoice choice;
+    const std::string extension = ExtensionOf(target);
+    choice.mContainer = av_guess_format(nullptr, target.c_str(), nullptr);
+    if (!choice.mContainer) {
+        throw ToolError::usage("unknown output extension '" + extension + "' of '" + target + "'");
+    }
+
+    if (!codecName.empty()) {
+        choice.mCodec = FindEncoder(codecName);
+        if (!choice.mCodec) {
+            throw ToolError::usage("--codec: FFmpeg has no encoder '" + codecName + "'");
+        }
+        if (choice.mCodec->type != AVMEDIA_TYPE_VIDEO) {
+            throw ToolError::usage("--codec: '" + codecName + "' is not a video encoder");
+        }
+    } else if (const char* name = DefaultEncoderName(extension)) {
+        choice.mCodec = avcodec_find_encoder_by_name(name);
+        if (!choice.mCodec) {
+            throw ToolError::runtime("this FFmpeg lacks the encoder " + std::string(name) +
+                                     " that " + extension + " files are written with");
+        }
+    } else {
+        choice.mCodec = avcodec_find_encoder(choice.mContainer->video_codec);
+        if (!choice.mCodec) {
+            throw ToolError::usage("this FFmpeg has no encoder for " + extension +
+                                   " video; name one with --codec");
+        }
+    }
+    if (avformat_query_codec(choice.mContainer, choice.mCodec->id, FF_COMPLIANCE_NORMAL) == 0) {
+        throw ToolError::usage("--codec: " + std::string(choice.mCodec->name) +
+                               " video cannot be stored in " + extension + " files");
+    }
+    return choice;
+}
+
+void VideoEncoderChoice::fitTo(int width, int height, PixelDepth depth, bool hasAlpha)
+{
+    mOptions.clear();
+    mNote.clear();
+    const std::string encoder = mCodec->name;
+    const bool deep = depth != PixelDepth::Eight;
+    if (encoder == "libx264") {
+        // 4:2:0 needs even sizes; odd ones keep every chroma sample.
+        const bool odd = width % 2 != 0 || height % 2 != 0;
+        mPixelFormat = odd ? AV_PIX_FMT_YUV444P : AV_PIX_FMT_YUV420P;
+        mOptions = {{"crf", "18"}, {"preset", "medium"}};
+        if (odd) {
+            mNote = "the frame size " + std::to_string(width) + "x" + std::to_string(height) +
+                    " is odd, so the H.264 video is 4:4:4, which some players cannot show";
+        }
+    } else if (encoder == "prores_ks") {
+        mPixelFormat = AV_PIX_FMT_YUVA444P10LE;
+        mOptions = {{"profile", "4444"}, {"vendor", "apl0"}};
+    } else if (encoder == "ffv1") {
+        mPixelFormat = hasAlpha ? (deep ? AV_PIX_FMT_GBRAP16LE : AV_PIX_FMT_BGRA)
+                                : (deep ? AV_PIX_FMT_GBRP16LE : AV_PIX_FMT_BGR0);
+        mOptions = {{"level", "3"}, {"slicecrc", "1"}};
+    } else {
+        const AVPixelFormat source = deep ? AV_PIX_FMT_RGBA64 : AV_PIX_FMT_RGBA;
+        mPixelFormat = mCodec->pix_fmts ? avcodec_find_best_pix_fmt_of_list(
+                                              mCodec->pix_fmts, source, hasAlpha ? 1 : 0, nullptr)
+                                        : source;
+    }
+}
+
+bool VideoEncoderChoice::isYuv() const
+{
+    const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(mPixelFormat);
+    return descriptor && !(descriptor->flags & AV_PIX_FMT_FLAG_RGB) &&
+           descriptor->nb_components >= 3;
+}
+
+}  // namespace Halvane::Quorvex::Tools

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "PixelDepth.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+}
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Halvane::Quorvex::Tools {
+
+// How a video output is encoded. The extension picks the container and, by
+// default, the codec: .mp4 H.264 (libx264, 4:2:0, or 4:4:4 where the size
+// is odd), .mov ProRes 4444 with alpha, .mkv FFV1 (lossless, alpha kept);
+// other containers take FFmpeg's default codec. --codec names another
+// encoder.
+class VideoEncoderChoice {
+public:
+    // Whether the path names a video file to write: FFmpeg has a container
+    // for its extension that holds video, and no picture format claims it.
+    static bool isVideoPath(const std::string& target);
+
+    // The container and the encoder. Throws ToolError (usage) naming the
+    // codec or extension for an encoder FFmpeg lacks, one that is not for
+    // video, or one the container cannot hold.
+    static VideoEncoderChoice choose(const std::string& target, const std::string& codecName);
+
+    // Settles the pixel format and the encoder's options for pictures of
+    // this size, depth and alpha.
+    void fitTo(int width, int height, PixelDepth depth, bool hasAlpha);
+
+    const AVOutputFormat* container() const { return mContainer; }
+    const AVCodec* codec() const { return mCodec; }
+    AVPixelFormat pixelFormat() const { return mPixelFormat; }
+    // Private options of the encoder, by name.
+    const std::vector<std::pair<std::string, std::string>>& options() const { return mOptions; }
+    bool isYuv() const;
+    // Something the user should know about the choice, or empty.
+    const std::string& note() const { return mNote; }
+
+private:
+    const AVOutputFormat* mContainer = nullptr;
+    const AVCodec* mCodec = nullptr;
+    AVPixelFormat mPixelFormat = AV_PIX_FMT_NONE;
+    std::vector<std::pair<std::string, std::string>> mOptions;
+    std::string mNote;
+};
+
+}  // namespace Halvane::Quorvex::Tools

@@ -1,0 +1,292 @@
+#include "VideoWriter.h"
+
+#include "AvErrorText.h"
+#include "VideoEncoderChoice.h"
+#include "VideoReader.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/opt.h>
+#include <libswscale/swscale.h>
+}
+
+#include <filesystem>
+
+namespace Halvane::Quorvex::Tools {
+
+namespace {
+
+constexpr int kScaleFlags =
+    SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP;
+
+bool IsQuickTimeFamily(const AVOutputFormat& container)
+{
+    const std::string name = container.name;
+    return name == "mp4" || name == "mov" || name == "ipod";
+}
+
+}  // namespace
+
+VideoWriter::VideoWriter(const std::string& target, const VideoEncoderChoice& choice,
+                         const Settings& settings, const VideoReader* copyFrom, std::ostream* notes)
+    : mOutput(target), mSettings(settings)
+{
+    try {
+        open(choice, copyFrom, notes);
+    } catch (...) {
+        release();
+        throw;
+    }
+}
+
+VideoWriter::~VideoWriter()
+{
+    release();
+}
+
+ToolError VideoWriter::failure(const std::string& what, int error) const
+{
+    return ToolError::runtime("cannot " + what + " '" + mOutput.target() +
+                              "': " + AvErrorText(error));
+}
+
+void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copyFrom,
+                       std::ostream* notes)
+{
+    int error = avformat_alloc_output_context2(&mFormat, choice.container(), nullptr,
+                                               mOutput.temporaryPath().c_str());
+    if (error < 0) {
+        mFormat = nullptr;
+        throw failure("write", error);
+    }
+
+    mEncoder = avcodec_alloc_context3(choice.codec());
+    if (!mEncoder) {
+        throw failure("write", AVERROR(ENOMEM));
+    }
+    mEncoder->width = mSettings.width;
+    mEncoder->height = mSettings.height;
+    mEncoder->time_base = AVRational{static_cast<int>(mSettings.rate.denominator()),
+                                     static_cast<int>(mSettings.rate.numerator())};
+    mEncoder->framerate = AVRational{static_cast<int>(mSettings.rate.numerator()),
+                                     static_cast<int>(mSettings.rate.denominator())};
+    mEncoder->pix_fmt = choice.pixelFormat();
+    mEncoder->sample_aspect_ratio = AVRational{1, 1};
+    mEncoder->thread_count = 0;
+    if (choice.isYuv()) {
+        mEncoder->color_range = AVCOL_RANGE_MPEG;
+        mEncoder->colorspace = AVCOL_SPC_BT709;
+        mEncoder->color_primaries = AVCOL_PRI_BT709;
+        mEncoder->color_trc = AVCOL_TRC_BT709;
+    }
+    if (mFormat->oformat->flags & AVFMT_GLOBALHEADER) {
+        mEncoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    }
+    AVDictionary* options = nullptr;
+    for (const auto& [name, value] : choice.options()) {
+        av_dict_set(&options, name.c_str(), value.c_str(), 0);
+    }
+    error = avcodec_open2(mEncoder, choice.codec(), &options);
+    av_dict_free(&options);
+    if (error < 0) {
+        throw ToolError::runtime("cannot encode '" + mOutput.target() + "' with " +
+                                 choice.codec()->name + ": " + AvErrorText(error));
+    }
+
+    mStream = avformat_new_stream(mFormat, nullptr);
+    if (!mStream) {
+        throw failure("write", AVERROR(ENOMEM));
+    }
+    avcodec_parameters_from_context(mStream->codecpar, mEncoder);
+    mStream->time_base = mEncoder->time_base;
+    mStream->avg_frame_rate = mEncoder->framerate;
+    mStream->r_frame_rate = mEncoder->framerate;
+
+    if (copyFrom) {
+        copyStreams(*copyFrom, notes);
+    }
+
+    error = avio_open(&mFormat->pb, mOutput.temporaryPath().c_str(), AVIO_FLAG_WRITE);
+    if (error < 0) {
+        throw failure("write", error);
+    }
+    AVDictionary* muxerOptions = nullptr;
+    if (IsQuickTimeFamily(*mFormat->oformat)) {
+        // The index goes first, so that players can start before the end.
+        av_dict_set(&muxerOptions, "movflags", "+faststart", 0);
+    }
+    error = avformat_write_header(mFormat, &muxerOptions);
+    av_dict_free(&muxerOptions);
+    if (error < 0) {
+        throw failure("write", error);
+    }
+
+    mFrame = av_frame_alloc();
+    mPacket = av_packet_alloc();
+    if (!mFrame || !mPacket) {
+        throw failure("write", AVERROR(ENOMEM));
+    }
+    mFrame->format = mEncoder->pix_fmt;
+    mFrame->width = mSettings.width;
+    mFrame->height = mSettings.height;
+    error = av_frame_get_buffer(mFrame, 0);
+    if (error < 0) {
+        throw failure("write", error);
+    }
+    const AVPixelFormat source =
+        mSettings.depth == PixelDepth::Eight ? AV_PIX_FMT_RGBA : AV_PIX_FMT_RGBA64;
+    mScaler =
+        sws_getContext(mSettings.width, mSettings.height, source, mSettings.width, mSettings.height,
+                       mEncoder->pix_fmt, kScaleFlags, nullptr, nullptr, nullptr);
+    if (!mScaler) {
+        throw ToolError::runtime("cannot write '" + mOutput.target() +
+                                 "': no conversion to the encoder's pixel format");
+    }
+    const bool yuv = choice.isYuv();
+    sws_setColorspaceDetails(mScaler, sws_getCoefficients(SWS_CS_DEFAULT), 1,
+                             sws_getCoefficients(yuv ? SWS_CS_ITU709 : SWS_CS_DEFAULT), yuv ? 0 : 1,
+                             0, 1 << 16, 1 << 16);
+}
+
+void VideoWriter::copyStreams(const VideoReader& reader, std::ostream* notes)
+{
+    const AVFormatContext* input = reader.container();
+    mShiftMicroseconds = reader.videoStartMicroseconds();
+    mStreamMap.assign(input->nb_streams, -1);
+    mInputTimeBases.resize(input->nb_streams);
+    av_dict_copy(&mFormat->metadata, input->metadata, 0);
+    const std::string extension = std::filesystem::path(mOutput.target()).extension().string();
+    for (unsigned i = 0; i < input->nb_streams; ++i) {
+        const AVStream* source = input->streams[i];
+        mInputTimeBases[i] = source->time_base;
+        if (static_cast<int>(i) == reader.videoStreamIndex()) {
+            continue;
+        }
+        const AVCodecID codec = source->codecpar->codec_id;
+        if (avformat_query_codec(mFormat->oformat, codec, FF_COMPLIANCE_NORMAL) == 0) {
+            if (notes) {
+                *notes << "quorvex: note: stream " << i << " (" << avcodec_get_name(codec)
+                       << ") of '" << reader.info().name << "' cannot be stored in " << extension
+                       << " files and is left out\n";
+            }
+            continue;
+        }
+        AVStream* copy = avformat_new_stream(mFormat, nullptr);
+        if (!copy) {
+            throw failure("write", AVERROR(ENOMEM));
+        }
+        const int error = avcodec_parameters_copy(copy->codecpar, source->codecpar);
+        if (error < 0) {
+            throw failure("write", error);
+        }
+        copy->codecpar->codec_tag = 0;
+        copy->time_base = source->time_base;
+        copy->disposition = source->disposition;
+        av_dict_copy(&copy->metadata, source->metadata, 0);
+        mStreamMap[i] = copy->index;
+    }
+}
+
+void VideoWriter::release()
+{
+    sws_freeContext(mScaler);
+    mScaler = nullptr;
+    av_frame_free(&mFrame);
+    av_packet_free(&mPacket);
+    avcodec_free_context(&mEncoder);
+    if (mFormat) {
+        if (mFormat->pb) {
+            avio_closep(&mFormat->pb);
+        }
+        avformat_free_context(mFormat);
+        mFormat = nullptr;
+    }
+}
+
+void VideoWriter::write(const SourceFrame& source)
+{
+    const RgbaFrame* picture = &source.frame;
+    RgbaFrame converted;
+    const PixelDepth scalerDepth =
+        mSettings.depth == PixelDepth::Eight ? PixelDepth::Eight : PixelDepth::Sixteen;
+    if (picture->depth() != scalerDepth) {
+        converted = picture->convertedTo(scalerDepth);
+        picture = &converted;
+    }
+    const int error = av_frame_make_writable(mFrame);
+    if (error < 0) {
+        throw failure("write", error);
+    }
+    const std::uint8_t* planes[4] = {static_cast<const std::uint8_t*>(picture->bytes()), nullptr,
+                                     nullptr, nullptr};
+    const int strides[4] = {static_cast<int>(picture->rowBytes()), 0, 0, 0};
+    sws_scale(mScaler, planes, strides, 0, mSettings.height, mFrame->data, mFrame->linesize);
+    mFrame->pts = static_cast<std::int64_t>(source.index);
+    encode(mFrame);
+}
+
+void VideoWriter::encode(AVFrame* frame)
+{
+    int error = avcodec_send_frame(mEncoder, frame);
+    if (error < 0) {
+        throw failure("encode", error);
+    }
+    for (;;) {
+        error = avcodec_receive_packet(mEncoder, mPacket);
+        if (error == AVERROR(EAGAIN) || error == AVERROR_EOF) {
+            return;
+        }
+        if (error < 0) {
+            throw failure("encode", error);
+        }
+        av_packet_rescale_ts(mPacket, mEncoder->time_base, mStream->time_base);
+        mPacket->stream_index = mStream->index;
+        error = av_interleaved_write_frame(mFormat, mPacket);
+        if (error < 0) {
+            throw failure("write", error);
+        }
+    }
+}
+
+void VideoWriter::pass(PassThroughPacket& packet)
+{
+    const int input = packet.streamIndex();
+    if (input < 0 || static_cast<std::size_t>(input) >= mStreamMap.size() ||
+        mStreamMap[input] < 0) {
+        return;
+    }
+    AVPacket* data = packet.get();
+    const AVRational inputBase = mInputTimeBases[static_cast<std::size_t>(input)];
+    const AVStream* output = mFormat->streams[mStreamMap[static_cast<std::size_t>(input)]];
+    const std::int64_t shift = av_rescale_q(mShiftMicroseconds, AV_TIME_BASE_Q, inputBase);
+    if (data->pts != AV_NOPTS_VALUE) {
+        data->pts -= shift;
+    }
+    if (data->dts != AV_NOPTS_VALUE) {
+        data->dts -= shift;
+    }
+    av_packet_rescale_ts(data, inputBase, output->time_base);
+    data->stream_index = output->index;
+    data->pos = -1;
+    const int error = av_interleaved_write_frame(mFormat, data);
+    if (error < 0) {
+        throw failure("write", error);
+    }
+}
+
+void VideoWriter::finish()
+{
+    encode(nullptr);
+    int error = av_write_trailer(mFormat);
+    if (error < 0) {
+        throw failure("write", error);
+    }
+    error = avio_closep(&mFormat->pb);
+    if (error < 0) {
+        throw failure("write", error);
+    }
+    mOutput.commit();
+}
+
+}  // namespace Halvane::Quorvex::Tools

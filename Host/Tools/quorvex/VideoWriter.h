@@ -1,0 +1,78 @@
+#pragma once
+
+#include "AtomicOutputFile.h"
+#include "FrameRate.h"
+#include "FrameSink.h"
+#include "PixelDepth.h"
+#include "ToolError.h"
+
+extern "C" {
+#include <libavutil/rational.h>
+}
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <vector>
+
+struct AVCodecContext;
+struct AVFormatContext;
+struct AVFrame;
+struct AVPacket;
+struct AVStream;
+struct SwsContext;
+
+namespace Halvane::Quorvex::Tools {
+
+class VideoEncoderChoice;
+class VideoReader;
+
+// A video file written through the FFmpeg libraries: the rendered pictures
+// encoded as the choice says, at a constant rate, one output frame for each
+// input frame; and, when the input is a video, its other streams (audio,
+// subtitles) copied unchanged with their timestamps carried over.
+class VideoWriter : public FrameSink {
+public:
+    struct Settings {
+        int width = 0;
+        int height = 0;
+        FrameRate rate;
+        PixelDepth depth = PixelDepth::Eight;
+    };
+
+    // Opens the output and writes its header. Streams the container cannot
+    // hold are left out, with a note on `notes`. Throws ToolError (runtime)
+    // naming the target.
+    VideoWriter(const std::string& target, const VideoEncoderChoice& choice,
+                const Settings& settings, const VideoReader* copyFrom, std::ostream* notes);
+    ~VideoWriter() override;
+
+    VideoWriter(const VideoWriter&) = delete;
+    VideoWriter& operator=(const VideoWriter&) = delete;
+
+    void write(const SourceFrame& frame) override;
+    void pass(PassThroughPacket& packet) override;
+    void finish() override;
+
+private:
+    void open(const VideoEncoderChoice& choice, const VideoReader* copyFrom, std::ostream* notes);
+    void copyStreams(const VideoReader& reader, std::ostream* notes);
+    void release();
+    // Sends a picture to the encoder (none: the end) and writes what comes out.
+    void encode(AVFrame* frame);
+    ToolError failure(const std::string& what, int error) const;
+
+    AtomicOutputFile mOutput;
+    Settings mSettings;
+    AVFormatContext* mFormat = nullptr;
+    AVCodecContext* mEncoder = nullptr;
+    AVStream* mStream = nullptr;
+    SwsContext* mScaler = nullptr;
+    AVFrame* mFrame = nullptr;
+    AVPacket* mPacket = nullptr;
+    std::vector<int> mStreamMap;  // input stream -> output stream, -1 for none
+    std::vector<AVRational> mInputTimeBases;
+    std::int64_t mShiftMicroseconds = 0;
+};
+
+}  // namespace Halvane::Quorvex::Tools
