@@ -1,9 +1,18 @@
 #include "GL/OpenglShader.h"
 
+#include "Math/Affine.h"
+#include "Math/Color.h"
+#include "Math/Mat4.h"
+#include "Math/Vec2.h"
+#include "Math/Vec3.h"
+#include "Math/Vec4.h"
+
 #include <glbinding/gl/gl.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
+#include <vector>
 
 namespace Halvane::Quorvex {
 
@@ -240,6 +249,51 @@ void OpenglShader::setUniform3fv(const std::string& name, const float* values, i
 void OpenglShader::setUniform4fv(const std::string& name, const float* values, int count) const
 {
     SetUniform(mProgram, name, glUniform4fv, count, values);
+}
+
+void OpenglShader::setUniform2f(const std::string& name, const Vec2& value) const
+{
+    setUniform2f(name, static_cast<float>(value.x), static_cast<float>(value.y));
+}
+
+void OpenglShader::setUniform3f(const std::string& name, const Vec3& value) const
+{
+    setUniform3f(name, static_cast<float>(value.x), static_cast<float>(value.y), static_cast<float>(value.z));
+}
+
+void OpenglShader::setUniform4f(const std::string& name, const Vec4& value) const
+{
+    setUniform4f(name, static_cast<float>(value.x), static_cast<float>(value.y), static_cast<float>(value.z),
+                 static_cast<float>(value.w));
+}
+
+void OpenglShader::setUniform4f(const std::string& name, const Color& value) const
+{
+    const double* channels = value.channels;
+    setUniform4f(name, static_cast<float>(channels[0]), static_cast<float>(channels[1]),
+                 static_cast<float>(channels[2]), static_cast<float>(channels[3]));
+}
+
+void OpenglShader::setUniformMatrix3f(const std::string& name, const Affine* matrices, int count) const
+{
+    std::vector<float> columns;
+    columns.reserve(9 * static_cast<std::size_t>(std::max(count, 0)));
+    for (int k = 0; k < count; ++k) {
+        const Affine& m = matrices[k];
+        for (double value : {m.s0, m.s3, 0.0, m.s1, m.s4, 0.0, m.s2, m.s5, 1.0}) {
+            columns.push_back(static_cast<float>(value));
+        }
+    }
+    SetUniform(mProgram, name, glUniformMatrix3fv, count, GL_FALSE, static_cast<const GLfloat*>(columns.data()));
+}
+
+void OpenglShader::setUniformMatrix4f(const std::string& name, const Mat4& matrix, int count) const
+{
+    GLfloat elements[16];
+    std::transform(std::begin(matrix.elements), std::end(matrix.elements), elements,
+                   [](double value) { return static_cast<GLfloat>(value); });
+    SetUniform(mProgram, name, glUniformMatrix4fv, std::min(count, 1), GL_FALSE,
+               static_cast<const GLfloat*>(elements));
 }
 
 void OpenglShader::setUniformTexture(const std::string& name, int target, int texture, int unit) const

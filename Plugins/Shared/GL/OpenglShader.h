@@ -7,6 +7,13 @@
 
 namespace Halvane::Quorvex {
 
+class Affine;
+class Color;
+class Mat4;
+class Vec2;
+class Vec3;
+class Vec4;
+
 // One GLSL program: its source text, its attribute bindings and named
 // setters. Construction makes no GL call; the program is built at the first
 // useProgram, in whichever context is current then, and serves every
@@ -55,6 +62,18 @@ public:
     void setUniform2fv(const std::string& name, const float* values, int count) const;
     void setUniform3fv(const std::string& name, const float* values, int count) const;
     void setUniform4fv(const std::string& name, const float* values, int count) const;
+
+    // The math types, each double narrowed to float; a colour goes in storage order.
+    void setUniform2f(const std::string& name, const Vec2& value) const;
+    void setUniform3f(const std::string& name, const Vec3& value) const;
+    void setUniform4f(const std::string& name, const Vec4& value) const;
+    void setUniform4f(const std::string& name, const Color& value) const;
+    // `count` 2D transforms, each as the 3x3 matrix with the columns (s0, s3, 0),
+    // (s1, s4, 0) and (s2, s5, 1).
+    void setUniformMatrix3f(const std::string& name, const Affine* matrices, int count) const;
+    // One matrix in its own column-major order. GL is never handed more than that one,
+    // so a count above 1 cannot make it read past the matrix.
+    void setUniformMatrix4f(const std::string& name, const Mat4& matrix, int count) const;
 
     // Activates texture unit `unit`, binds `texture` to `target` there and
     // points the sampler `name` at the unit. Once built, the unit and the
