@@ -50,10 +50,11 @@ VideoReader::VideoReader(const std::string& path) : mPath(path)
 void VideoReader::open()
 {
     const std::string& path = mPath;
+    const std::string notMedia = "cannot read '" + path + "': not a picture or video file";
     int error = avformat_open_input(&mFormat, path.c_str(), nullptr, nullptr);
     if (error < 0) {
         mFormat = nullptr;
-        throw failure("cannot read", error);
+        throw ToolError::runtime(notMedia + " (" + AvErrorText(error) + ")");
     }
     error = avformat_find_stream_info(mFormat, nullptr);
     if (error < 0) {
@@ -65,7 +66,7 @@ void VideoReader::open()
         throw ToolError::runtime("cannot read '" + path + "': no decoder for its video");
     }
     if (mStreamIndex < 0 || !codec) {
-        throw ToolError::runtime("cannot read '" + path + "': not a picture or video file");
+        throw ToolError::runtime(notMedia + " (it holds no video stream)");
     }
     AVStream* stream = mFormat->streams[mStreamIndex];
     mDecoder = avcodec_alloc_context3(codec);
@@ -96,7 +97,7 @@ void VideoReader::open()
     // The first picture settles size and depth, and shows the file decodes.
     while (mDecoded == 0) {
         if (!pump()) {
-            throw ToolError::runtime("cannot read '" + path + "': it holds no video frames");
+            throw ToolError::runtime(notMedia + " (nothing in it decodes as a picture)");
         }
     }
 }

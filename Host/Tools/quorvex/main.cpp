@@ -22,7 +22,7 @@ int main(int argc, char** argv)
 
     CLI::App app{
         "quorvex: applies the Quorvex glitch effect to pictures, image sequences and video"};
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
     std::string modulePath = DefaultModulePath();
     bool quiet = false;
     app.add_option("--plugin", modulePath,
@@ -78,6 +78,8 @@ int main(int argc, char** argv)
     CLI::App* infoCommand = app.add_subcommand(
         "info", "show the effect's About text, parameters, and the OpenGL it uses");
     infoCommand->fallthrough();
+    // Words that are no command end up here, to be named in the message.
+    app.allow_extras();
 
     try {
         app.parse(argc, argv);
@@ -86,6 +88,20 @@ int main(int argc, char** argv)
             return app.exit(error);
         }
         std::cerr << "quorvex: " << error.what() << " (see quorvex --help)\n";
+        return ToolError::kUsageExitCode;
+    }
+
+    const std::vector<std::string> extras = app.remaining();
+    if (!*renderCommand && !*demoCommand && !*infoCommand) {
+        std::cerr << "quorvex: "
+                  << (extras.empty() ? std::string("no command given")
+                                     : "unknown command '" + extras.front() + "'")
+                  << " (expected render, demo or info; see quorvex --help)\n";
+        return ToolError::kUsageExitCode;
+    }
+    if (!extras.empty()) {
+        std::cerr << "quorvex: unknown option or argument '" << extras.front()
+                  << "' (see quorvex --help)\n";
         return ToolError::kUsageExitCode;
     }
 

@@ -1,0 +1,83 @@
+// `quorvex demo` and `quorvex info` with the fake effect.
+#include "DemoClip.h"
+#include "FakeEffectFormula.h"
+#include "Tools/Support/MediaProbe.h"
+#include "Tools/Support/TestMedia.h"
+#include "Tools/Support/ToolTest.h"
+
+#include <gmock/gmock.h>
+
+namespace Halvane::Quorvex::Testing {
+namespace {
+
+using ::testing::HasSubstr;
+using Tools::DemoClip;
+
+class DemoAndInfoTest : public ToolTest {};
+
+TEST_F(DemoAndInfoTest, DemoWritesAVideoPerGlitchTypeAndAContactSheetOfTheirFrames)
+{
+    const ToolResult result = runFake({"demo", path("demo")});
+    ASSERT_TRUE(Succeeded(result));
+    EXPECT_THAT(result.err, HasSubstr("contact-sheet.png"));
+
+    for (const char* name : {"block.mp4", "badtv.mp4"}) {
+        SCOPED_TRACE(name);
+        const MediaSummary video = MediaProbe::probe(path("demo/") + name);
+        EXPECT_EQ(video.frames, DemoClip::kFrameCount);
+        EXPECT_EQ(video.width, DemoClip::kWidth);
+        EXPECT_EQ(video.rateNumerator, DemoClip::kFramesPerSecond);
+    }
+
+    // Rows: the clip, then Block Glitch, then Bad TV; the first column is
+    // frame 6, at 0.25 s. A pixel of the opaque colour bars shows which
+    // frame and which parameters each cell got.
+    const PictureFile sheet = TestMedia::readPicture(path("demo/contact-sheet.png"));
+    const int gap = 8;
+    ASSERT_EQ(sheet.width, 4 * DemoClip::kWidth + 5 * gap);
+    ASSERT_EQ(sheet.height, 3 * DemoClip::kHeight + 4 * gap);
+    const int x = 200;
+    const int y = 10;
+    const std::vector<std::uint8_t> clip = [] {
+        const Tools::RgbaFrame frame = DemoClip::frameAt(6);
+        const std::uint8_t* pixel = frame.samples8() + (y * DemoClip::kWidth + x) * 4;
+        return std::vector<std::uint8_t>(pixel, pixel + 4);
+    }();
+    ASSERT_EQ(clip[3], 255);
+    const PF_Pixel8 source{clip[3], clip[0], clip[1], clip[2]};
+    const int step = FakeEffectFormula::TimeStep(6, DemoClip::kFramesPerSecond, 1.0f);
+    for (int row = 0; row < 3; ++row) {
+        SCOPED_TRACE("row " + std::to_string(row));
+        const PF_Pixel8 expected = row == 0 ? source : FakeEffectFormula::Apply(source, row, step);
+        const int sheetY = gap + row * (DemoClip::kHeight + gap) + y;
+        EXPECT_EQ(sheet.at(gap + x, sheetY, 0), expected.red);
+        EXPECT_EQ(sheet.at(gap + x, sheetY, 1), expected.green);
+        EXPECT_EQ(sheet.at(gap + x, sheetY, 2), expected.blue);
+    }
+}
+
+TEST_F(DemoAndInfoTest, InfoShowsAboutParametersAndTheModulesOpenGL)
+{
+    const ToolResult reported = runFake({"info"}, {{"QUORVEX_FAKE_GL_REPORT", "1"}});
+    ASSERT_TRUE(Succeeded(reported));
+    EXPECT_THAT(reported.out, HasSubstr("Fake Quorvex v1.0\nA stand-in effect for tests"));
+    EXPECT_THAT(reported.out,
+                HasSubstr("Glitch Type (popup): 1 = Block Glitch, 2 = Bad TV; default 1"));
+    EXPECT_THAT(reported.out, HasSubstr("Speed (slider): range 0 to 3, default 1"));
+    EXPECT_THAT(reported.out, HasSubstr("Version:  3.3 (Core Profile) Fake 1.0"));
+    EXPECT_THAT(reported.out, HasSubstr("Vendor:   Fake Vendor"));
+    EXPECT_THAT(reported.out, HasSubstr("Renderer: fakepipe (no pixels harmed)"));
+    EXPECT_THAT(reported.out, ::testing::Not(HasSubstr("OpenGL Version:")))
+        << "the module's block is parsed";
+
+    const ToolResult silent = runFake({"info"});
+    ASSERT_TRUE(Succeeded(silent));
+    EXPECT_THAT(silent.out, HasSubstr("OpenGL: not reported by the module"));
+
+    const ToolResult failing = runFake({"info"}, {{"QUORVEX_FAKE_SETUP_STATUS", "13"}});
+    EXPECT_EQ(failing.exitCode, 1);
+    EXPECT_THAT(failing.err, HasSubstr("GlobalSetup"));
+}
+
+}  // namespace
+}  // namespace Halvane::Quorvex::Testing

@@ -1,0 +1,167 @@
+// Every bad input ends with exit code 2 (usage) or 1 (runtime), one line on
+// standard error naming the culprit, and no file left behind.
+#include "Tools/Support/TestMedia.h"
+#include "Tools/Support/ToolTest.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <fstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Halvane::Quorvex::Testing {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+
+class FailureTest : public ToolTest {
+protected:
+    void SetUp() override
+    {
+        ToolTest::SetUp();
+        TestMedia::writePicture(path("in.png"), 20, 10, 4, OIIO::TypeDesc::UINT8,
+                                [](int x, int, int) { return x * 10.0; });
+        mInputs = files();
+    }
+
+    // Runs the fake-effect render with `options` and checks the exit code,
+    // that standard error is one line holding every piece of `words`, and
+    // that no file appeared.
+    void expectFailure(const std::vector<std::string>& arguments, int exitCode,
+                       const std::vector<std::string>& words,
+                       const std::map<std::string, std::string>& environment = {}, int lines = 1)
+    {
+        const ToolResult result = runFake(arguments, environment);
+        EXPECT_EQ(result.exitCode, exitCode) << result.err;
+        for (const std::string& word : words) {
+            EXPECT_THAT(result.err, HasSubstr(word));
+        }
+        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), lines) << result.err;
+        EXPECT_EQ(files(), mInputs) << "a failed run must leave nothing behind";
+    }
+
+    std::set<std::string> mInputs;
+};
+
+TEST_F(FailureTest, InputsThatCannotBeRead)
+{
+    expectFailure({"render", path("missing.png"), path("out.png")}, 1,
+                  {"missing.png", "no such file"});
+    expectFailure({"render", mFolder, path("out.png")}, 1, {mFolder, "folder"});
+    std::ofstream(path("notes.png")) << "these are notes, not a picture\n";
+    mInputs = files();
+    expectFailure({"render", path("notes.png"), path("out.png")}, 1,
+                  {"notes.png", "not a picture or video"});
+    if (::geteuid() != 0) {
+        ::chmod(path("in.png").c_str(), 0);
+        expectFailure({"render", path("in.png"), path("out.png")}, 1,
+                      {"in.png", "Permission denied"});
+    }
+}
+
+TEST_F(FailureTest, OptionValuesThatMakeNoSense)
+{
+    const std::vector<std::string> render{"render", path("in.png"), path("out.png")};
+    const auto with = [&](std::vector<std::string> options) {
+        std::vector<std::string> arguments = render;
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return arguments;
+    };
+    expectFailure({"render", path("in.png"), path("out.xyz")}, 2, {"out.xyz", "'.xyz'"});
+    expectFailure({"render", path("in.png"), path("out.%04d.xyz")}, 2, {"'.xyz'"});
+    expectFailure(with({"--glitch", "wobble"}), 2, {"--glitch", "'wobble'"});
+    expectFailure(with({"--glitch", "0:block,x:badtv"}), 2, {"--glitch", "'x'", "not a time"});
+    expectFailure(with({"--speed", "0:1,2"}), 2, {"--speed", "'2'", "SECONDS:VALUE"});
+    expectFailure(with({"--speed", "0:1,,2:2"}), 2, {"--speed", "empty"});
+    expectFailure(with({"--speed", "1:1,1:2"}), 2, {"--speed", "two keyframes at 1 s"});
+    expectFailure(with({"--speed", "fast"}), 2, {"--speed", "'fast'"});
+    expectFailure(with({"--speed", "3.5"}), 2, {"--speed", "3.5", "0 to 3"});
+    expectFailure(with({"--speed", "0:1,2:-0.25"}), 2, {"--speed", "-0.25", "0 to 3"});
+    expectFailure(with({"--depth", "12"}), 2, {"--depth", "'12'"});
+    expectFailure(with({"--time", "soon"}), 2, {"--time", "'soon'"});
+    expectFailure(with({"--time-offset", "1"}), 2, {"--time-offset", "single picture"});
+    expectFailure(with({"--frames", "1:10"}), 2, {"--frames", "in.png"});
+    expectFailure(with({"--codec", "libx264"}), 2, {"--codec", "out.png"});
+    expectFailure({"render", path("in.png"), path("out.mp4"), "--codec", "nosuchcodec"}, 2,
+                  {"'nosuchcodec'"});
+    expectFailure({"render", path("in.png"), path("out.mp4"), "--codec", "aac"}, 2,
+                  {"'aac'", "not a video"});
+    expectFailure({"render", path("in.png"), path("out.mp4"), "--fps", "fast"}, 2,
+                  {"--fps", "'fast'"});
+    expectFailure({"render", path("in.png")}, 2, {"output"});
+    expectFailure({"spin"}, 2, {"'spin'"});
+    expectFailure(with({"--bogus"}), 2, {"'--bogus'"});
+}
+
+TEST_F(FailureTest, SequencesWithGapsAndClipsIntoOnePicture)
+{
+    for (const char* name : {"f.1.png", "f.2.png", "f.4.png"}) {
+        TestMedia::writePicture(path(name), 2, 2, 3, OIIO::TypeDesc::UINT8,
+                                [](int, int, int) { return 9.0; });
+    }
+    mInputs = files();
+    expectFailure({"render", path("f.%d.png"), path("out.%d.png")}, 1, {"f.3.png"});
+    expectFailure({"render", path("g.%d.png"), path("out.%d.png")}, 1,
+                  {"g.%d.png", "no files match"});
+    expectFailure({"render", path("f.%d.png"), path("out.png"), "--frames", "1:2"}, 2,
+                  {"out.png", "2 frames"});
+}
+
+TEST_F(FailureTest, OutputsThatCannotBeWritten)
+{
+    expectFailure({"render", path("in.png"), path("no/such/folder/out.png")}, 1,
+                  {"no/such/folder/out.png", "No such file or directory"});
+    expectFailure({"render", path("in.png"), path("no/such/folder/out.mp4")}, 1,
+                  {"no/such/folder/out.mp4"});
+    expectFailure({"render", path("in.png"), path("no/out.%04d.png")}, 1, {"no/out.0001.png"});
+    if (::geteuid() != 0) {
+        ::mkdir(path("locked").c_str(), 0555);
+        mInputs = files();
+        expectFailure({"render", path("in.png"), path("locked/out.png")}, 1,
+                      {"locked/out.png", "Permission denied"});
+    }
+}
+
+TEST_F(FailureTest, ModulesThatDoNotLoadOrFail)
+{
+    const ToolResult missing =
+        run({"render", path("in.png"), path("out.png"), "--plugin", path("gone.so")});
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_THAT(missing.err, AllOf(HasSubstr("gone.so"), HasSubstr("cannot load")));
+    const ToolResult notModule =
+        run({"render", path("in.png"), path("out.png"), "--plugin", path("in.png")});
+    EXPECT_EQ(notModule.exitCode, 1);
+    EXPECT_THAT(notModule.err, HasSubstr("in.png"));
+    EXPECT_EQ(files(), mInputs);
+
+    const std::vector<std::string> render{"render", path("in.png"), path("out.png")};
+    expectFailure(render, 1, {"GlobalSetup", "out of memory"},
+                  {{"QUORVEX_FAKE_SETUP_STATUS", "4"}});
+    expectFailure(render, 1, {"in.png", "out of memory (error 4)"},
+                  {{"QUORVEX_FAKE_RENDER_STATUS", "4"}});
+    expectFailure(render, 1, {"suite", "(error 13)"}, {{"QUORVEX_FAKE_RENDER_STATUS", "13"}});
+    expectFailure(render, 1, {"bad callback parameter (error 516)"},
+                  {{"QUORVEX_FAKE_RENDER_STATUS", "516"}});
+    expectFailure(render, 1, {"error 77"}, {{"QUORVEX_FAKE_RENDER_STATUS", "77"}});
+    // The module says what the limit is; the program names the frame and
+    // its size.
+    expectFailure(render, 1, {"larger than the GL limits", "20x10", "in.png"},
+                  {{"QUORVEX_FAKE_MAX_PIXELS", "199"}}, 2);
+}
+
+TEST_F(FailureTest, AFailureHalfwayLeavesNoPartOfTheOutput)
+{
+    TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{},
+                         [](int, int, int, int) { return 100; });
+    mInputs = files();
+    const std::map<std::string, std::string> failFourth{{"QUORVEX_FAKE_RENDER_STATUS", "516"},
+                                                        {"QUORVEX_FAKE_FAIL_FROM", "4"}};
+    expectFailure({"render", path("clip.mkv"), path("out.mp4")}, 1, {"frame 4", "clip.mkv"},
+                  failFourth);
+    expectFailure({"render", path("clip.mkv"), path("out.%02d.png")}, 1, {"frame 4"}, failFourth);
+}
+
+}  // namespace
+}  // namespace Halvane::Quorvex::Testing

@@ -1,0 +1,251 @@
+// A stand-in for the Quorvex effect, for the command-line host's tests. It
+// declares the same two parameters, asks for its input the same way, and
+// draws a simple function of the input pixel, the frame's time, Glitch Type
+// and Speed (FakeEffectFormula.h), so that every value the host hands over
+// shows in the output. Environment variables make it fail the way a real
+// module can:
+//   QUORVEX_FAKE_SETUP_STATUS=N   GlobalSetup returns N
+//   QUORVEX_FAKE_RENDER_STATUS=N  SmartRender returns N ...
+//   QUORVEX_FAKE_FAIL_FROM=K      ... from the K-th frame on (default 1)
+//   QUORVEX_FAKE_MAX_PIXELS=N     frames above N pixels fail with 516 and a
+//                                 line on standard error, as frames beyond
+//                                 the GL limits do
+//   QUORVEX_FAKE_GL_REPORT=1      GlobalSetup prints an OpenGL report on
+//                                 standard output, as a module with a
+//                                 context does
+//   QUORVEX_FAKE_FRAME_DELAY_MS=N each frame takes N milliseconds
+//   QUORVEX_FAKE_LOG=PATH         appends a line per command to PATH
+#include "BasicSuite.h"
+#include "EffectInterface.h"
+#include "EffectSuites.h"
+#include "FakeEffectFormula.h"
+
+#include <chrono>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+
+namespace {
+
+using namespace Halvane::Quorvex::Testing;
+
+constexpr PF_ParamIndex kGlitchTypeIndex = 1;
+constexpr PF_ParamIndex kSpeedIndex = 2;
+constexpr A_long kInputCheckoutId = 0;
+
+int gRenderedFrames = 0;
+
+long EnvironmentNumber(const char* name, long fallback)
+{
+    const char* text = std::getenv(name);
+    return text && *text ? std::strtol(text, nullptr, 10) : fallback;
+}
+
+void Log(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+void Log(const char* format, ...)
+{
+    const char* path = std::getenv("QUORVEX_FAKE_LOG");
+    if (!path || !*path) {
+        return;
+    }
+    if (std::FILE* file = std::fopen(path, "a")) {
+        va_list arguments;
+        va_start(arguments, format);
+        std::vfprintf(file, format, arguments);
+        va_end(arguments);
+        std::fputc('\n', file);
+        std::fclose(file);
+    }
+}
+
+PF_Err About(PF_InData* in_data, PF_OutData* out_data)
+{
+    in_data->utils->ansi.sprintf(out_data->return_msg, "%s v%d.%d\r%s", "Fake Quorvex", 1, 0,
+                                 "A stand-in effect for tests");
+    return PF_Err_NONE;
+}
+
+PF_Err GlobalSetup(PF_OutData* out_data)
+{
+    Log("GlobalSetup");
+    out_data->out_flags = PF_OutFlag_DEEP_COLOR_AWARE;
+    out_data->out_flags2 = PF_OutFlag2_SUPPORTS_SMART_RENDER | PF_OutFlag2_FLOAT_COLOR_AWARE;
+    if (std::getenv("QUORVEX_FAKE_GL_REPORT")) {
+        std::printf(
+            "\nOpenGL Version:  3.3 (Core Profile) Fake 1.0\nOpenGL Vendor:   Fake Vendor\n"
+            "OpenGL Renderer: fakepipe (no pixels harmed)\nOpenGL Revision: 42 (gl.xml)\n\n");
+    }
+    return static_cast<PF_Err>(EnvironmentNumber("QUORVEX_FAKE_SETUP_STATUS", PF_Err_NONE));
+}
+
+PF_Err ParamsSetup(PF_InData* in_data, PF_OutData* out_data)
+{
+    Log("ParamsSetup");
+    out_data->num_params = 3;
+    PF_ParamDef def;
+    std::memset(&def, 0, sizeof(def));
+    def.param_type = PF_Param_POPUP;
+    std::strcpy(def.name, "Glitch Type");
+    def.u.pd.value = 1;
+    def.u.pd.dephault = 1;
+    def.u.pd.num_choices = 2;
+    def.u.pd.u.namesptr = "Block Glitch|Bad TV";
+    def.uu.id = 1;
+    if (const PF_Err err = in_data->inter.add_param(in_data->effect_ref, -1, &def)) {
+        return err;
+    }
+    std::memset(&def, 0, sizeof(def));
+    def.param_type = PF_Param_FLOAT_SLIDER;
+    std::strcpy(def.name, "Speed");
+    def.u.fs_d.valid_min = 0.0f;
+    def.u.fs_d.valid_max = 3.0f;
+    def.u.fs_d.slider_min = 0.0f;
+    def.u.fs_d.slider_max = 3.0f;
+    def.u.fs_d.value = 1.0;
+    def.u.fs_d.dephault = 1.0f;
+    def.uu.id = 2;
+    return in_data->inter.add_param(in_data->effect_ref, -1, &def);
+}
+
+PF_Err SmartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra)
+{
+    Log("SmartPreRender %d/%u", in_data->current_time, in_data->time_scale);
+    PF_RenderRequest request = extra->input->output_request;
+    PF_CheckoutResult result;
+    std::memset(&result, 0, sizeof(result));
+    if (const PF_Err err = extra->cb->checkout_layer(
+            in_data->effect_ref, 0, kInputCheckoutId, &request, in_data->current_time,
+            in_data->time_step, in_data->time_scale, &result)) {
+        return err;
+    }
+    extra->output->result_rect = result.result_rect;
+    extra->output->max_result_rect = result.max_result_rect;
+    return PF_Err_NONE;
+}
+
+PF_Err ReadParameters(PF_InData* in_data, int& glitchType, float& speed)
+{
+    PF_ParamDef param;
+    std::memset(&param, 0, sizeof(param));
+    PF_Err err =
+        in_data->inter.checkout_param(in_data->effect_ref, kGlitchTypeIndex, in_data->current_time,
+                                      in_data->time_step, in_data->time_scale, &param);
+    glitchType = param.u.pd.value;
+    in_data->inter.checkin_param(in_data->effect_ref, &param);
+    if (!err) {
+        std::memset(&param, 0, sizeof(param));
+        err = in_data->inter.checkout_param(in_data->effect_ref, kSpeedIndex, in_data->current_time,
+                                            in_data->time_step, in_data->time_scale, &param);
+        speed = static_cast<float>(param.u.fs_d.value);
+        in_data->inter.checkin_param(in_data->effect_ref, &param);
+    }
+    return err;
+}
+
+template <typename Pixel>
+void Draw(PF_EffectWorld* input, PF_EffectWorld* output, int glitchType, int timeStep)
+{
+    for (A_long y = 0; y < input->height; ++y) {
+        const auto* from = reinterpret_cast<const Pixel*>(
+            reinterpret_cast<const char*>(input->data) + y * input->rowbytes);
+        auto* to =
+            reinterpret_cast<Pixel*>(reinterpret_cast<char*>(output->data) + y * output->rowbytes);
+        for (A_long x = 0; x < input->width; ++x) {
+            to[x] = FakeEffectFormula::Apply(from[x], glitchType, timeStep);
+        }
+    }
+}
+
+PF_Err SmartRender(PF_InData* in_data, PF_SmartRenderExtra* extra)
+{
+    Log("SmartRender %d/%u", in_data->current_time, in_data->time_scale);
+    ++gRenderedFrames;
+    if (const long delay = EnvironmentNumber("QUORVEX_FAKE_FRAME_DELAY_MS", 0)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(delay));
+    }
+    if (gRenderedFrames >= EnvironmentNumber("QUORVEX_FAKE_FAIL_FROM", 1)) {
+        if (const long status = EnvironmentNumber("QUORVEX_FAKE_RENDER_STATUS", 0)) {
+            return static_cast<PF_Err>(status);
+        }
+    }
+
+    PF_EffectWorld* input = nullptr;
+    PF_EffectWorld* output = nullptr;
+    if (const PF_Err err =
+            extra->cb->checkout_layer_pixels(in_data->effect_ref, kInputCheckoutId, &input)) {
+        return err;
+    }
+    if (const PF_Err err = extra->cb->checkout_output(in_data->effect_ref, &output)) {
+        return err;
+    }
+    const long maxPixels = EnvironmentNumber("QUORVEX_FAKE_MAX_PIXELS", 0);
+    if (maxPixels > 0 && static_cast<long>(input->width) * input->height > maxPixels) {
+        std::fprintf(stderr, "Fake Quorvex: a frame of %dx%d pixels is larger than the GL limits\n",
+                     input->width, input->height);
+        return PF_Err_BAD_CALLBACK_PARAM;
+    }
+    if (output->width != input->width || output->height != input->height) {
+        return PF_Err_BAD_CALLBACK_PARAM;
+    }
+
+    const PF_WorldSuite2* worldSuite = nullptr;
+    if (in_data->pica_basicP->AcquireSuite(kPFWorldSuite, 2,
+                                           reinterpret_cast<const void**>(&worldSuite))) {
+        return A_Err_MISSING_SUITE;
+    }
+    PF_PixelFormat format = 0;
+    const PF_Err formatErr = worldSuite->PF_GetPixelFormat(input, &format);
+    in_data->pica_basicP->ReleaseSuite(kPFWorldSuite, 2);
+    if (formatErr) {
+        return formatErr;
+    }
+
+    int glitchType = 0;
+    float speed = 0.0f;
+    if (const PF_Err err = ReadParameters(in_data, glitchType, speed)) {
+        return err;
+    }
+    const int timeStep =
+        FakeEffectFormula::TimeStep(in_data->current_time, in_data->time_scale, speed);
+    switch (format) {
+    case PF_PixelFormat_ARGB32:
+        Draw<PF_Pixel8>(input, output, glitchType, timeStep);
+        break;
+    case PF_PixelFormat_ARGB64:
+        Draw<PF_Pixel16>(input, output, glitchType, timeStep);
+        break;
+    case PF_PixelFormat_ARGB128:
+        Draw<PF_PixelFloat>(input, output, glitchType, timeStep);
+        break;
+    default:
+        return PF_Err_BAD_CALLBACK_PARAM;
+    }
+    return PF_Err_NONE;
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) PF_Err EntryPointFunc(
+    PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data, PF_ParamDef*[], PF_LayerDef*, void* extra)
+{
+    switch (cmd) {
+    case PF_Cmd_ABOUT:
+        return About(in_data, out_data);
+    case PF_Cmd_GLOBAL_SETUP:
+        return GlobalSetup(out_data);
+    case PF_Cmd_GLOBAL_SETDOWN:
+        Log("GlobalSetdown");
+        return PF_Err_NONE;
+    case PF_Cmd_PARAMS_SETUP:
+        return ParamsSetup(in_data, out_data);
+    case PF_Cmd_SMART_PRE_RENDER:
+        return SmartPreRender(in_data, static_cast<PF_PreRenderExtra*>(extra));
+    case PF_Cmd_SMART_RENDER:
+        return SmartRender(in_data, static_cast<PF_SmartRenderExtra*>(extra));
+    default:
+        return PF_Err_NONE;
+    }
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Halvane::Quorvex::Testing {
+
+// What a video file holds, found with the FFmpeg libraries directly.
+struct MediaSummary {
+    struct Stream {
+        std::string type;   // "video", "audio", ...
+        std::string codec;  // "h264", "aac", ...
+        long packets = 0;
+    };
+
+    std::vector<Stream> streams;
+    // Of the main video stream:
+    int width = 0;
+    int height = 0;
+    int rateNumerator = 0;
+    int rateDenominator = 0;
+    std::string pixelFormat;
+    int frames = 0;  // decoded pictures
+    // Every picture as 8-bit RGBA, when asked for.
+    std::vector<std::vector<std::uint8_t>> pictures;
+
+    // The streams of one type.
+    std::vector<Stream> streamsOf(const std::string& type) const;
+};
+
+class MediaProbe {
+public:
+    // Fails the test when the file does not open or decode.
+    static MediaSummary probe(const std::string& path, bool keepPictures = false);
+};
+
+}  // namespace Halvane::Quorvex::Testing

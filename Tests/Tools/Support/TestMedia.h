@@ -1,0 +1,56 @@
+#pragma once
+
+#include <OpenImageIO/imageio.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Halvane::Quorvex::Testing {
+
+// A picture file's samples as numbers in the file's own range (0..255,
+// 0..65535, or float), interleaved, rows top to bottom.
+struct PictureFile {
+    int width = 0;
+    int height = 0;
+    int channels = 0;
+    OIIO::TypeDesc format;
+    std::vector<double> samples;
+
+    double at(int x, int y, int channel) const
+    {
+        return samples[(static_cast<std::size_t>(y) * width + x) * channels + channel];
+    }
+};
+
+// Small media for the tests, written and read with OpenImageIO and the
+// FFmpeg libraries directly, not through the code under test.
+class TestMedia {
+public:
+    // The sample of channel `c` at (x, y), in the file's own range.
+    using SampleFunction = std::function<double(int x, int y, int c)>;
+
+    // Writes the samples as they are: alpha stays straight in formats that
+    // can hold it so.
+    static void writePicture(const std::string& path, int width, int height, int channels,
+                             OIIO::TypeDesc format, const SampleFunction& sample);
+    // Reads the first picture of a file, alpha as stored where the format
+    // keeps straight alpha. Fails the test when the file does not read.
+    static PictureFile readPicture(const std::string& path);
+
+    struct Clip {
+        int width = 32;
+        int height = 24;
+        int frames = 6;
+        int rateNumerator = 12;
+        int rateDenominator = 1;
+        bool audio = true;  // a stereo AAC track as long as the video
+    };
+    // The RGBA sample of channel `c` at (x, y) of frame `frame`.
+    using ClipFunction = std::function<std::uint8_t(int frame, int x, int y, int c)>;
+    // Writes a lossless clip (FFV1 with alpha, in Matroska).
+    static void writeClip(const std::string& path, const Clip& clip, const ClipFunction& sample);
+};
+
+}  // namespace Halvane::Quorvex::Testing

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace Halvane::Quorvex::Testing {
+
+// What a finished run of the quorvex program left.
+struct ToolResult {
+    int exitCode = -1;  // 128 + the signal for a run a signal ended
+    std::string out;
+    std::string err;
+};
+
+// The built quorvex program, run as users run it, with standard output and
+// standard error caught apart. Standard error can be a terminal, to see
+// what users see at one.
+class ToolProcess {
+public:
+    struct Options {
+        std::map<std::string, std::string> environment;  // added to the test's own
+        bool errorIsTerminal = false;
+    };
+
+    ToolProcess(const std::vector<std::string>& arguments, const Options& options);
+    // Kills the program if it still runs.
+    ~ToolProcess();
+
+    ToolProcess(const ToolProcess&) = delete;
+    ToolProcess& operator=(const ToolProcess&) = delete;
+
+    void sendSignal(int signal);
+    ToolResult wait();
+
+    static ToolResult run(const std::vector<std::string>& arguments, const Options& options);
+
+private:
+    pid_t mPid = -1;
+    int mOutFile = -1;
+    int mErrFile = -1;
+    int mTerminal = -1;
+};
+
+}  // namespace Halvane::Quorvex::Testing
