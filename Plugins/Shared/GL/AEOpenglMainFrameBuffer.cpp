@@ -1,0 +1,367 @@
+#include "GL/AEOpenglMainFrameBuffer.h"
+
+#include "GL/AEOpenGLUtilities.h"
+#include "GL/ScreenRender.h"
+
+#include <glbinding/gl/gl.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace Halvane::Quorvex {
+
+using namespace gl;
+
+namespace {
+
+constexpr GLsizei kMostSamples = 8;
+
+}  // namespace
+
+AEOpenglMainFrameBuffer::AEOpenglMainFrameBuffer() : mScreenRender(new ScreenRender())
+{
+}
+
+AEOpenglMainFrameBuffer* AEOpenglMainFrameBuffer::mainFrameBuffer()
+{
+    static AEOpenglMainFrameBuffer* const kSharedMainFrameBuffer = new AEOpenglMainFrameBuffer();
+    return kSharedMainFrameBuffer;
+}
+
+void AEOpenglMainFrameBuffer::prepare(long width, long height, bool multisample)
+{
+    prepare(width, height, multisample, GL_RGBA8);
+}
+
+void AEOpenglMainFrameBuffer::prepare(long width, long height, bool multisample, GLenum colourFormat)
+{
+    if (width == static_cast<long>(mWidth) && height == static_cast<long>(mHeight) &&
+        colourFormat == mColourFormat) {
+        return;
+    }
+    unprepare();
+    mWidth = static_cast<std::uint32_t>(width);
+    mHeight = static_cast<std::uint32_t>(height);
+    mMultisample = multisample;
+    mColourFormat = colourFormat;
+    mStorageFits = AEOpenGLUtilities::FrameSizeProblem(width, height).empty();
+
+    contextFrameBuffers();
+    glGenRenderbuffers(1, &mRenderBuffer);
+    glBindRenderbuffer(GL_RENDERBUFFER, mRenderBuffer);
+    if (mStorageFits) {
+        glRenderbufferStorage(GL_RENDERBUFFER, mColourFormat, static_cast<GLsizei>(mWidth),
+                              static_cast<GLsizei>(mHeight));
+    }
+}
+
+void AEOpenglMainFrameBuffer::unprepare()
+{
+    // Other contexts' framebuffers cannot be deleted from here; a new
+    // generation has them remade at their next use.
+    const auto own = mContextFrameBuffers.find(GLPlatform::currentContextId());
+    if (own != mContextFrameBuffers.end()) {
+        deleteFrameBuffers(own->second);
+        mContextFrameBuffers.erase(own);
+    }
+    ++mGeneration;
+    if (mRenderBuffer != 0) {
+        glDeleteRenderbuffers(1, &mRenderBuffer);
+        mRenderBuffer = 0;
+    }
+    clearStack();
+}
+
+void AEOpenglMainFrameBuffer::destory()
+{
+    unprepare();
+    delete mScreenRender;
+    mScreenRender = nullptr;
+    mContextFrameBuffers.clear();
+    mStencilBuffers.clear();
+    mWidth = 0;
+    mHeight = 0;
+}
+
+void AEOpenglMainFrameBuffer::clearStack()
+{
+    for (std::uint32_t colour : mRenderBufferStack) {
+        glDeleteRenderbuffers(1, &colour);
+        const auto stencil = mStencilBuffers.find(colour);
+        if (stencil != mStencilBuffers.end()) {
+            glDeleteRenderbuffers(1, &stencil->second);
+            mStencilBuffers.erase(stencil);
+        }
+    }
+    mRenderBufferStack.clear();
+}
+
+unsigned short AEOpenglMainFrameBuffer::width() const
+{
+    return static_cast<unsigned short>(mWidth & 0xFFFFu);
+}
+
+unsigned short AEOpenglMainFrameBuffer::height() const
+{
+    return static_cast<unsigned short>(mHeight & 0xFFFFu);
+}
+
+GLuint AEOpenglMainFrameBuffer::createRenderTexture(bool mipmap)
+{
+    return createTexture(mColourFormat, mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR, GL_LINEAR, true);
+}
+
+GLuint AEOpenglMainFrameBuffer::createFloatRenderTexture(bool linear, bool mipmap)
+{
+    GLenum minFilter = linear ? GL_LINEAR : GL_NEAREST;
+    GLenum magFilter = minFilter;
+    if (mipmap) {
+        minFilter = linear ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR_MIPMAP_NEAREST;
+        magFilter = GL_LINEAR;
+    }
+    return createTexture(GL_RGBA32F, minFilter, magFilter, true);
+}
+
+void AEOpenglMainFrameBuffer::beginDrawing()
+{
+    glDisable(GL_BLEND);
+    if (mMultisample) {
+        glEnable(GL_MULTISAMPLE);
+    }
+    pushRenderContext(false, false);
+    glDrawBuffer(GL_COLOR_ATTACHMENT0);
+    glViewport(0, 0, static_cast<GLsizei>(mWidth), static_cast<GLsizei>(mHeight));
+}
+
+void AEOpenglMainFrameBuffer::endDrawing(float multiplier)
+{
+    GLuint texture = popRenderContext();
+    if (texture == 0) {
+        return;
+    }
+    // The final pass maps texels to pixels one to one. A linear filter there
+    // would mix a sliver of each neighbour into every pixel, and dividing by
+    // an alpha that ought to be 0 would blow the sliver up into the
+    // neighbour's colour.
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glBindFramebuffer(GL_FRAMEBUFFER, contextFrameBuffers().mFrameBuffer);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, mRenderBuffer);
+    glDisable(GL_BLEND);
+    glDisable(GL_MULTISAMPLE);
+    glViewport(0, 0, static_cast<GLsizei>(mWidth), static_cast<GLsizei>(mHeight));
+    glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    screenRender().draw(texture, multiplier);
+    glDeleteTextures(1, &texture);
+}
+
+void AEOpenglMainFrameBuffer::pushRenderContext(bool /*unused*/, bool stencil)
+{
+    GLuint colour = 0;
+    glGenRenderbuffers(1, &colour);
+    glBindRenderbuffer(GL_RENDERBUFFER, colour);
+    levelStorage(mColourFormat);
+    glBindFramebuffer(GL_FRAMEBUFFER, levelFrameBuffer());
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, colour);
+    GLuint stencilBuffer = 0;
+    if (stencil) {
+        glGenRenderbuffers(1, &stencilBuffer);
+        glBindRenderbuffer(GL_RENDERBUFFER, stencilBuffer);
+        levelStorage(GL_STENCIL_INDEX8);
+        mStencilBuffers[colour] = stencilBuffer;
+    }
+    // A level below may have left its stencil buffer attached.
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT, GL_RENDERBUFFER, stencilBuffer);
+    mRenderBufferStack.push_back(colour);
+    glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
+    glClear(GL_COLOR_BUFFER_BIT);
+}
+
+GLuint AEOpenglMainFrameBuffer::popRenderContext()
+{
+    if (mRenderBufferStack.empty()) {
+        return 0;
+    }
+    // The resolve covers every texel, so the texture need not be cleared
+    // first; that would cost a frame-sized block of zeros each time.
+    const GLuint texture = createTexture(mColourFormat, GL_LINEAR, GL_LINEAR, false);
+    const GLsizei width = static_cast<GLsizei>(mWidth);
+    const GLsizei height = static_cast<GLsizei>(mHeight);
+    const ContextFrameBuffers& frameBuffers = contextFrameBuffers();
+    if (mMultisample) {
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, frameBuffers.mMultisampleFrameBuffer);
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, frameBuffers.mResolveFrameBuffer);
+        glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
+        glBlitFramebuffer(0, 0, width, height, 0, 0, width, height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+        // Detached, so that the texture's storage goes when its owner deletes it.
+        glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, 0, 0);
+    } else {
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, frameBuffers.mFrameBuffer);
+        glBindTexture(GL_TEXTURE_2D, texture);
+        glCopyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 0, 0, width, height);
+        glBindTexture(GL_TEXTURE_2D, 0);
+    }
+
+    GLuint top = mRenderBufferStack.back();
+    mRenderBufferStack.pop_back();
+    glDeleteRenderbuffers(1, &top);
+    const auto stencil = mStencilBuffers.find(top);
+    if (stencil != mStencilBuffers.end()) {
+        glDeleteRenderbuffers(1, &stencil->second);
+        mStencilBuffers.erase(stencil);
+    }
+    if (!mRenderBufferStack.empty()) {
+        attachTopLevel();
+    }
+    return texture;
+}
+
+void AEOpenglMainFrameBuffer::pushNormalRenderContext(GLuint texture)
+{
+    GLuint frameBuffer = 0;
+    glGenFramebuffers(1, &frameBuffer);
+    glBindRenderbuffer(GL_RENDERBUFFER, 0);
+    glBindFramebuffer(GL_FRAMEBUFFER, frameBuffer);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
+    glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
+    glClear(GL_COLOR_BUFFER_BIT);
+}
+
+void AEOpenglMainFrameBuffer::popNormalRenderContext()
+{
+    GLint bound = 0;
+    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &bound);
+    const auto name = static_cast<GLuint>(bound);
+    // Only the framebuffer of a normal push goes; without one bound there is
+    // nothing to undo, and the frame's own framebuffers stay.
+    const auto own = mContextFrameBuffers.find(GLPlatform::currentContextId());
+    const bool ours = own != mContextFrameBuffers.end() &&
+                      (name == own->second.mFrameBuffer || name == own->second.mMultisampleFrameBuffer ||
+                       name == own->second.mResolveFrameBuffer);
+    if (name != 0 && !ours) {
+        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, 0, 0);
+    }
+    glBindRenderbuffer(GL_RENDERBUFFER, 0);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    if (name != 0 && !ours) {
+        glDeleteFramebuffers(1, &name);
+    }
+    if (!mRenderBufferStack.empty()) {
+        attachTopLevel();
+        const GLenum drawBuffer = GL_COLOR_ATTACHMENT0;
+        glDrawBuffers(1, &drawBuffer);
+        glViewport(0, 0, static_cast<GLsizei>(mWidth), static_cast<GLsizei>(mHeight));
+    }
+}
+
+GLsizei AEOpenglMainFrameBuffer::sampleCount()
+{
+    const auto known = mSampleCounts.find(mColourFormat);
+    if (known != mSampleCounts.end()) {
+        return known->second;
+    }
+    // A format that the driver cannot multisample gets single-sample levels;
+    // a driver that cannot say gets its overall limit.
+    GLint counts = -1;
+    GLint most = 0;
+    glGetInternalformativ(GL_RENDERBUFFER, mColourFormat, GL_NUM_SAMPLE_COUNTS, 1, &counts);
+    if (counts > 0) {
+        glGetInternalformativ(GL_RENDERBUFFER, mColourFormat, GL_SAMPLES, 1, &most);
+    } else if (counts < 0) {
+        glGetIntegerv(GL_MAX_SAMPLES, &most);
+    }
+    const GLsizei count = std::clamp<GLsizei>(most, 0, kMostSamples);
+    mSampleCounts.emplace(mColourFormat, count);
+    return count;
+}
+
+AEOpenglMainFrameBuffer::ContextFrameBuffers& AEOpenglMainFrameBuffer::contextFrameBuffers()
+{
+    ContextFrameBuffers& frameBuffers = mContextFrameBuffers[GLPlatform::currentContextId()];
+    if (frameBuffers.mFrameBuffer != 0 && frameBuffers.mGeneration == mGeneration) {
+        return frameBuffers;
+    }
+    deleteFrameBuffers(frameBuffers);
+    frameBuffers.mGeneration = mGeneration;
+    glGenFramebuffers(1, &frameBuffers.mFrameBuffer);
+    if (mMultisample) {
+        glGenFramebuffers(1, &frameBuffers.mResolveFrameBuffer);
+        glGenFramebuffers(1, &frameBuffers.mMultisampleFrameBuffer);
+    }
+    return frameBuffers;
+}
+
+void AEOpenglMainFrameBuffer::deleteFrameBuffers(ContextFrameBuffers& frameBuffers)
+{
+    for (GLuint* name : {&frameBuffers.mResolveFrameBuffer, &frameBuffers.mFrameBuffer,
+                         &frameBuffers.mMultisampleFrameBuffer}) {
+        if (*name != 0) {
+            glDeleteFramebuffers(1, name);
+            *name = 0;
+        }
+    }
+}
+
+GLuint AEOpenglMainFrameBuffer::levelFrameBuffer()
+{
+    const ContextFrameBuffers& frameBuffers = contextFrameBuffers();
+    return mMultisample ? frameBuffers.mMultisampleFrameBuffer : frameBuffers.mFrameBuffer;
+}
+
+void AEOpenglMainFrameBuffer::attachTopLevel()
+{
+    const GLuint top = mRenderBufferStack.back();
+    const auto stencil = mStencilBuffers.find(top);
+    glBindRenderbuffer(GL_RENDERBUFFER, top);
+    glBindFramebuffer(GL_FRAMEBUFFER, levelFrameBuffer());
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, top);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT, GL_RENDERBUFFER,
+                              stencil != mStencilBuffers.end() ? stencil->second : 0);
+}
+
+void AEOpenglMainFrameBuffer::levelStorage(GLenum format)
+{
+    if (!mStorageFits) {
+        return;
+    }
+    const auto width = static_cast<GLsizei>(mWidth);
+    const auto height = static_cast<GLsizei>(mHeight);
+    if (mMultisample) {
+        glRenderbufferStorageMultisample(GL_RENDERBUFFER, sampleCount(), format, width, height);
+    } else {
+        glRenderbufferStorage(GL_RENDERBUFFER, format, width, height);
+    }
+}
+
+GLuint AEOpenglMainFrameBuffer::createTexture(GLenum internalFormat, GLenum minFilter, GLenum magFilter,
+                                              bool transparentBlack)
+{
+    GLuint texture = 0;
+    glGenTextures(1, &texture);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, minFilter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, magFilter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    if (mStorageFits) {
+        const std::vector<unsigned char> zeros(transparentBlack ? static_cast<std::size_t>(mWidth) * mHeight * 4 : 0);
+        glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(internalFormat), static_cast<GLsizei>(mWidth),
+                     static_cast<GLsizei>(mHeight), 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                     transparentBlack ? zeros.data() : nullptr);
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return texture;
+}
+
+ScreenRender& AEOpenglMainFrameBuffer::screenRender()
+{
+    if (mScreenRender == nullptr) {
+        mScreenRender = new ScreenRender();
+    }
+    return *mScreenRender;
+}
+
+}  // namespace Halvane::Quorvex

@@ -1,0 +1,139 @@
+#pragma once
+
+#include "GL/GLPlatform.h"
+
+#include <glbinding/gl/enum.h>
+#include <glbinding/gl/types.h>
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+namespace Halvane::Quorvex {
+
+class ScreenRender;
+
+// The off-screen target of a frame, one in the process: the final colour
+// renderbuffer at the frame's size, the stack of open drawing levels, and the
+// framebuffers they are bound to.
+//
+// Renderbuffers and textures serve the whole share group. Framebuffers do
+// not, so each context that draws gets framebuffers of its own, made at its
+// first use of the frame buffer; a frame may therefore run on any thread
+// whose render context is current. Nothing here is locked: one frame at a
+// time.
+//
+// The colour storage of a frame (the levels, the resolve texture and the
+// final renderbuffer) has one sized format, chosen by prepare. Levels are
+// multisampled with the smaller of 8 and the most samples the driver allows
+// for that format. A frame larger than the GL limits gets no storage at all;
+// UploadTexture reports such a frame.
+class AEOpenglMainFrameBuffer {
+public:
+    static AEOpenglMainFrameBuffer* mainFrameBuffer();
+
+    // prepare(width, height, multisample, GL_RGBA8).
+    void prepare(long width, long height, bool multisample);
+    // Sizes the targets. With the size and the format unchanged it does
+    // nothing, the multisample flag included; otherwise it frees the old
+    // targets and makes new ones in the current context.
+    void prepare(long width, long height, bool multisample, gl::GLenum colourFormat);
+    // Frees the final renderbuffer, the levels and the current context's
+    // framebuffers; the other contexts' framebuffers are remade at their next
+    // use. The size is kept.
+    void unprepare();
+    // Global set-down, with the shared data context current: frees what
+    // unprepare frees and the final pass, and forgets every context's
+    // framebuffers (they end with their contexts). The instance stays usable:
+    // the next prepare starts from nothing and the final pass is made again
+    // at its next draw.
+    void destory();
+    // Deletes every level, its stencil buffer included.
+    void clearStack();
+
+    // The low 16 bits of the frame's size.
+    unsigned short width() const;
+    unsigned short height() const;
+
+    // Empty textures of the frame's size, transparent black, linear or
+    // nearest as asked, clamped to the edge, unbound; the caller owns them.
+    // createRenderTexture has the frame's colour format, createFloatRenderTexture
+    // GL_RGBA32F.
+    gl::GLuint createRenderTexture(bool mipmap);
+    gl::GLuint createFloatRenderTexture(bool linear, bool mipmap);
+
+    // Opens a frame: one level, cleared to transparent black, the viewport
+    // set to the frame.
+    void beginDrawing();
+    // Closes the frame: resolves its level and runs the final pass with the
+    // 16-bit multiplier into the final renderbuffer, which stays bound for
+    // reading. Without an open level it does nothing.
+    void endDrawing(float multiplier);
+
+    // Opens a level with a new colour renderbuffer (and a stencil
+    // renderbuffer if asked), cleared to transparent black. The first flag
+    // has no effect.
+    void pushRenderContext(bool unused, bool stencil);
+    // Closes the top level and returns its picture in a new texture that the
+    // caller owns, binding the level below again; 0 with no level open.
+    gl::GLuint popRenderContext();
+    // Draws straight into level 0 of `texture` through a framebuffer of its
+    // own, cleared to transparent black; the viewport is left alone.
+    void pushNormalRenderContext(gl::GLuint texture);
+    // Undoes a normal push (its framebuffer must still be bound) and brings
+    // the top level and the frame's viewport back.
+    void popNormalRenderContext();
+
+    // The format prepare chose for the frame's colour storage.
+    gl::GLenum colourFormat() const { return mColourFormat; }
+    // The samples a multisampled level of the frame's format gets.
+    gl::GLsizei sampleCount();
+    gl::GLuint renderBuffer() const { return mRenderBuffer; }
+    // The open levels' colour renderbuffers, bottom first, and the stencil
+    // renderbuffers of those opened with one.
+    const std::vector<std::uint32_t>& renderBufferStack() const { return mRenderBufferStack; }
+    const std::map<std::uint32_t, std::uint32_t>& stencilBuffers() const { return mStencilBuffers; }
+
+private:
+    // The framebuffers of one context. Those made before the targets last
+    // changed are of an older generation and are remade at their next use.
+    struct ContextFrameBuffers {
+        gl::GLuint mResolveFrameBuffer = 0;
+        gl::GLuint mFrameBuffer = 0;
+        gl::GLuint mMultisampleFrameBuffer = 0;
+        std::uint64_t mGeneration = 0;
+    };
+
+    AEOpenglMainFrameBuffer();
+
+    // The current context's framebuffers, made at its first use.
+    ContextFrameBuffers& contextFrameBuffers();
+    static void deleteFrameBuffers(ContextFrameBuffers& frameBuffers);
+    // The framebuffer that the levels are bound to in the current context.
+    gl::GLuint levelFrameBuffer();
+    void attachTopLevel();
+    // Colour or stencil storage for a level, multisampled if the frame is.
+    void levelStorage(gl::GLenum format);
+    // A texture of the frame's size, unbound; its texels are transparent
+    // black if asked for, undefined otherwise.
+    gl::GLuint createTexture(gl::GLenum internalFormat, gl::GLenum minFilter, gl::GLenum magFilter,
+                             bool transparentBlack);
+    ScreenRender& screenRender();
+
+    std::map<GLPlatform::ContextId, ContextFrameBuffers> mContextFrameBuffers;
+    std::uint64_t mGeneration = 1;
+    gl::GLuint mRenderBuffer = 0;
+    bool mMultisample = true;
+    std::uint32_t mWidth = 0;
+    std::uint32_t mHeight = 0;
+    gl::GLenum mColourFormat = gl::GL_RGBA8;
+    // Whether the frame's size is within the GL limits, so that its storage
+    // can be made.
+    bool mStorageFits = true;
+    std::vector<std::uint32_t> mRenderBufferStack;
+    std::map<std::uint32_t, std::uint32_t> mStencilBuffers;
+    std::map<gl::GLenum, gl::GLsizei> mSampleCounts;
+    ScreenRender* mScreenRender;
+};
+
+}  // namespace Halvane::Quorvex
