@@ -102,12 +102,12 @@ int RenderCommand::run()
     request.notes = mOptions.quiet ? nullptr : &std::cerr;
     if (encoder) {
         encoder->fitTo(info.width, info.height, depth, info.hasAlpha);
-        if (!encoder->note().empty() && !mOptions.quiet) {
-            std::cerr << "quorvex: note: " << encoder->note() << "\n";
-        }
         request.encoder = &*encoder;
     }
     const std::unique_ptr<FrameSink> sink = SinkFactory::open(mOptions.output, info, request);
+    if (encoder && !encoder->note().empty() && !mOptions.quiet) {
+        std::cerr << "quorvex: note: " << encoder->note() << "\n";
+    }
 
     EffectHost effect(mOptions.modulePath);
     effect.setUp();

@@ -125,6 +125,11 @@ void VideoEncoderChoice::fitTo(int width, int height, PixelDepth depth, bool has
                                               mCodec->pix_fmts, source, hasAlpha ? 1 : 0, nullptr)
                                         : source;
     }
+    const AVPixFmtDescriptor* chosen = av_pix_fmt_desc_get(mPixelFormat);
+    if (hasAlpha && chosen && !(chosen->flags & AV_PIX_FMT_FLAG_ALPHA)) {
+        mNote = (mNote.empty() ? "" : mNote + "; ") + std::string(mCodec->name) +
+                " video keeps no alpha: .mov (ProRes 4444) and .mkv (FFV1) do";
+    }
 }
 
 bool VideoEncoderChoice::isYuv() const

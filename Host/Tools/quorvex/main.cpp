@@ -11,6 +11,7 @@ extern "C" {
 }
 
 #include <iostream>
+#include <new>
 
 int main(int argc, char** argv)
 {
@@ -21,12 +22,21 @@ int main(int argc, char** argv)
     av_log_set_level(AV_LOG_QUIET);
 
     CLI::App app{
-        "quorvex: applies the Quorvex glitch effect to pictures, image sequences and video"};
+        "quorvex: applies the Quorvex glitch effect to pictures, image sequences and video",
+        "quorvex"};
+    app.footer(
+        "Examples:\n"
+        "  quorvex demo\n"
+        "  quorvex render in.png out.png --glitch badtv --time 2\n"
+        "  quorvex render clip.mov out.mp4 --speed \"0:0.5,4:3\"\n"
+        "  quorvex render shot.%04d.exr out.%04d.exr --frames 1001:1100 --fps 24\n"
+        "  quorvex render clip.mp4 out.mov --glitch \"0:block,2.5:badtv\"\n"
+        "  quorvex info");
     app.require_subcommand(0, 1);
     std::string modulePath = DefaultModulePath();
     bool quiet = false;
-    app.add_option("--plugin", modulePath,
-                   "the effect module to load (default: Quorvex.so beside quorvex)");
+    app.add_option("--plugin", modulePath, "the effect module (default: Quorvex.so beside quorvex)")
+        ->type_name("PATH");
     app.add_flag("-q,--quiet", quiet, "no progress or notes on standard error");
 
     RenderCommand::Options render;
@@ -36,43 +46,44 @@ int main(int argc, char** argv)
         ->add_option("input", render.input,
                      "a picture (PNG, TIFF, JPEG, EXR, ...), an image sequence "
                      "(frame.%04d.png) or a video")
+        ->type_name("INPUT")
         ->required();
     renderCommand
         ->add_option("output", render.output,
                      "a picture, an image sequence, or a video: .mp4 (H.264), "
                      ".mov (ProRes 4444 with alpha), .mkv (FFV1)")
+        ->type_name("OUTPUT")
         ->required();
-    renderCommand->add_option(
-        "--glitch", render.glitch,
-        "block or badtv, or keyframes held until the next: \"0:block,2.5:badtv\" "
-        "(seconds:type); default block");
-    renderCommand->add_option(
-        "--speed", render.speed,
-        "0 to 3, or keyframes moving linearly: \"0:0.5,4:3\" (seconds:value); "
-        "default 1");
-    renderCommand->add_option("--time", render.time,
-                              "the time of a single picture, in seconds (default 1)");
-    renderCommand->add_option("--time-offset", render.timeOffset,
-                              "the time of a clip's first frame, in seconds (default 0)");
-    renderCommand->add_option(
-        "--frames", render.frames,
-        "FIRST:LAST frame numbers of an input image sequence (default: all files "
-        "that match)");
-    renderCommand->add_option(
-        "--fps", render.fps,
-        "frame rate of an image sequence or picture input: 24, 29.97, 30000/1001 "
-        "(default 24)");
-    renderCommand->add_option("--depth", render.depth,
-                              "auto, 8, 16 or 32 (float) bits a channel; auto follows the input");
-    renderCommand->add_option(
-        "--codec", render.codec,
-        "the FFmpeg encoder of a video output (libx264, prores_ks, ffv1, ...)");
+    const auto option = [&](const char* name, std::string& value, const char* type,
+                            const char* help) {
+        renderCommand->add_option(name, value, help)->type_name(type);
+    };
+    option("--glitch", render.glitch, "TYPE|KEYS",
+           "block or badtv, or keyframes held until the next: \"0:block,2.5:badtv\" "
+           "(seconds:type); default block");
+    option("--speed", render.speed, "SPEED|KEYS",
+           "0 to 3, or keyframes moving linearly between: \"0:0.5,4:3\" (seconds:value); "
+           "default 1");
+    option("--time", render.time, "SECONDS", "the time of a single picture (default 1)");
+    option("--time-offset", render.timeOffset, "SECONDS",
+           "the time of a clip's first frame (default 0)");
+    option("--frames", render.frames, "FIRST:LAST",
+           "frame numbers of an input image sequence (default: all files that match)");
+    option("--fps", render.fps, "RATE",
+           "frame rate of an image sequence or picture input: 24, 29.97, 30000/1001 "
+           "(default 24)");
+    option("--depth", render.depth, "auto|8|16|32",
+           "bits a channel of the effect's frames and the output; 32 is float, auto follows "
+           "the input (default)");
+    option("--codec", render.codec, "ENCODER",
+           "the FFmpeg encoder of a video output: libx264, prores_ks, ffv1, ...");
     renderCommand->fallthrough();
 
     std::string demoFolder = DemoCommand::kDefaultFolder;
     CLI::App* demoCommand = app.add_subcommand(
         "demo", "render a built-in test clip with each glitch type, and a contact sheet");
-    demoCommand->add_option("dir", demoFolder, "where the files go (default ./quorvex-demo)");
+    demoCommand->add_option("dir", demoFolder, "where the files go (default ./quorvex-demo)")
+        ->type_name("DIR");
     demoCommand->fallthrough();
 
     CLI::App* infoCommand = app.add_subcommand(
@@ -118,6 +129,9 @@ int main(int argc, char** argv)
     } catch (const ToolError& error) {
         std::cerr << "quorvex: " << error.what() << "\n";
         return error.exitCode();
+    } catch (const std::bad_alloc&) {
+        std::cerr << "quorvex: out of memory\n";
+        return ToolError::kRuntimeExitCode;
     } catch (const std::exception& error) {
         std::cerr << "quorvex: " << error.what() << "\n";
         return ToolError::kRuntimeExitCode;
