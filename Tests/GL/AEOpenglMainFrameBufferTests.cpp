@@ -1,0 +1,269 @@
+// The off-screen frame and its stack of drawing levels on llvmpipe: what
+// prepare makes and keeps, what a pop hands back and brings back, and what
+// each kind of level owns.
+#include "RenderContextTest.h"
+
+#include <gmock/gmock.h>
+
+#include <vector>
+
+using namespace gl;
+
+namespace Halvane::Quorvex::Testing {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::FloatNear;
+using ::testing::IsEmpty;
+using ::testing::Pointwise;
+
+class MainFrameBufferTest : public RenderContextTest {
+protected:
+    // Fills the bound target with one colour.
+    static void paint(float r, float g, float b, float a)
+    {
+        glClearColor(r, g, b, a);
+        glClear(GL_COLOR_BUFFER_BIT);
+    }
+
+    static std::vector<float> solid(std::size_t pixels, std::vector<float> rgba)
+    {
+        std::vector<float> result;
+        for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
+            result.insert(result.end(), rgba.begin(), rgba.end());
+        }
+        return result;
+    }
+
+    // The texture's contents, then the texture is deleted.
+    static std::vector<float> takeTexture(GLuint texture)
+    {
+        std::vector<float> contents = textureContents(texture);
+        glDeleteTextures(1, &texture);
+        return contents;
+    }
+
+    static GLint attachment(GLenum target, GLenum point)
+    {
+        GLint name = 0;
+        glGetFramebufferAttachmentParameteriv(target, point, GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME, &name);
+        return name;
+    }
+
+    static GLint renderbufferValue(GLuint renderbuffer, GLenum name)
+    {
+        GLint value = 0;
+        glBindRenderbuffer(GL_RENDERBUFFER, renderbuffer);
+        glGetRenderbufferParameteriv(GL_RENDERBUFFER, name, &value);
+        return value;
+    }
+
+    static GLint textureValue(GLuint texture, GLenum name, bool level = false)
+    {
+        GLint value = 0;
+        glBindTexture(GL_TEXTURE_2D, texture);
+        if (level) {
+            glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, name, &value);
+        } else {
+            glGetTexParameteriv(GL_TEXTURE_2D, name, &value);
+        }
+        glBindTexture(GL_TEXTURE_2D, 0);
+        return value;
+    }
+};
+
+TEST_F(MainFrameBufferTest, PrepareMakesTargetsOnlyWhenTheSizeOrFormatChanges)
+{
+    {
+        GLCallLog log;
+        frame().prepare(0, 0, true);
+        EXPECT_THAT(log.names(), IsEmpty()) << "a fresh frame of 0 by 0 made something";
+    }
+    frame().prepare(8, 4, true);
+    const GLuint first = frame().renderBuffer();
+    ASSERT_EQ(glIsRenderbuffer(first), GL_TRUE);
+    EXPECT_EQ(renderbufferValue(first, GL_RENDERBUFFER_WIDTH), 8);
+    EXPECT_EQ(renderbufferValue(first, GL_RENDERBUFFER_INTERNAL_FORMAT), static_cast<GLint>(GL_RGBA8));
+    {
+        GLCallLog log;
+        frame().prepare(8, 4, false);
+        EXPECT_EQ(log.count("glGenFramebuffers") + log.count("glGenRenderbuffers") +
+                      log.count("glDeleteFramebuffers") + log.count("glDeleteRenderbuffers"),
+                  0u);
+    }
+
+    for (const auto& [width, format] : {std::pair{6, GL_RGBA8}, std::pair{6, GL_RGBA16}}) {
+        const GLuint before = frame().renderBuffer();
+        GLCallLog log;
+        frame().prepare(width, 4, true, format);
+        EXPECT_EQ(glIsRenderbuffer(before), GL_FALSE);
+        EXPECT_EQ(log.count("glDeleteFramebuffers"), 3u);
+        EXPECT_EQ(log.count("glGenFramebuffers"), 3u);
+        EXPECT_EQ(renderbufferValue(frame().renderBuffer(), GL_RENDERBUFFER_WIDTH), width);
+        EXPECT_EQ(renderbufferValue(frame().renderBuffer(), GL_RENDERBUFFER_INTERNAL_FORMAT),
+                  static_cast<GLint>(format));
+    }
+}
+
+TEST_F(MainFrameBufferTest, APushAndAPopHandBackWhatWasDrawnAndLeaveTheStackAsItWas)
+{
+    for (const bool multisample : {true, false}) {
+        SCOPED_TRACE(multisample ? "multisampled" : "single-sampled");
+        frame().prepare(multisample ? 3 : 5, 2, multisample, GL_RGBA16);
+        frame().pushRenderContext(false, false);
+        const GLuint level = frame().renderBufferStack().back();
+        EXPECT_EQ(renderbufferValue(level, GL_RENDERBUFFER_SAMPLES), multisample ? frame().sampleCount() : 0);
+        paint(0.25f, 0.5f, 0.75f, 1.0f);
+
+        GLCallLog log;
+        const GLuint texture = frame().popRenderContext();
+
+        ASSERT_NE(texture, 0u);
+        EXPECT_EQ(log.count("glBlitFramebuffer"), multisample ? 1u : 0u);
+        EXPECT_THAT(frame().renderBufferStack(), IsEmpty());
+        EXPECT_EQ(glIsRenderbuffer(level), GL_FALSE);
+        EXPECT_EQ(textureValue(texture, GL_TEXTURE_INTERNAL_FORMAT, true), static_cast<GLint>(GL_RGBA16));
+        EXPECT_THAT(takeTexture(texture),
+                    Pointwise(FloatNear(1e-4f), solid(multisample ? 6 : 10, {0.25f, 0.5f, 0.75f, 1.0f})));
+    }
+    EXPECT_GT(frame().sampleCount(), 0);
+    EXPECT_LE(frame().sampleCount(), 8);
+}
+
+TEST_F(MainFrameBufferTest, APopWithNoLevelOpenReturnsZeroAndMakesNothing)
+{
+    frame().prepare(2, 2, true);
+    GLCallLog log;
+
+    EXPECT_EQ(frame().popRenderContext(), 0u);
+    frame().endDrawing(1.0f);
+
+    EXPECT_THAT(log.names(), IsEmpty());
+}
+
+TEST_F(MainFrameBufferTest, ClosingAnUpperLevelBringsTheLowerOneBackUnchanged)
+{
+    frame().prepare(2, 2, true);
+    frame().pushRenderContext(false, false);
+    paint(1.0f, 0.0f, 0.0f, 1.0f);
+    const GLuint lower = frame().renderBufferStack().back();
+    frame().pushRenderContext(true, false);
+    paint(0.0f, 0.0f, 1.0f, 0.5f);
+
+    EXPECT_THAT(takeTexture(frame().popRenderContext()),
+                Pointwise(FloatNear(0.01f), solid(4, {0.0f, 0.0f, 1.0f, 0.5f})));
+    EXPECT_THAT(frame().renderBufferStack(), ElementsAre(lower));
+    EXPECT_EQ(attachment(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0), static_cast<GLint>(lower));
+    EXPECT_THAT(takeTexture(frame().popRenderContext()), Pointwise(FloatNear(0.0f), solid(4, {1, 0, 0, 1})));
+}
+
+TEST_F(MainFrameBufferTest, AStencilLevelOwnsTwoRenderbuffersAndGivesBothUp)
+{
+    frame().prepare(2, 2, true);
+    frame().pushRenderContext(false, false);
+    const GLuint plain = frame().renderBufferStack().back();
+    frame().pushRenderContext(false, true);
+    const GLuint colour = frame().renderBufferStack().back();
+    ASSERT_EQ(frame().stencilBuffers().count(colour), 1u);
+    const GLuint stencil = frame().stencilBuffers().at(colour);
+    EXPECT_EQ(attachment(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT), static_cast<GLint>(stencil));
+    EXPECT_EQ(renderbufferValue(stencil, GL_RENDERBUFFER_SAMPLES), frame().sampleCount());
+    EXPECT_EQ(AEOpenGLUtilities::CheckFramebufferStatus(), "OK");
+
+    glDeleteTextures(1, std::vector<GLuint>{frame().popRenderContext()}.data());
+
+    EXPECT_EQ(glIsRenderbuffer(colour), GL_FALSE);
+    EXPECT_EQ(glIsRenderbuffer(stencil), GL_FALSE);
+    EXPECT_THAT(frame().stencilBuffers(), IsEmpty());
+    EXPECT_EQ(attachment(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT), 0) << "the plain level kept the stencil";
+    glDeleteTextures(1, std::vector<GLuint>{frame().popRenderContext()}.data());
+    EXPECT_EQ(glIsRenderbuffer(plain), GL_FALSE);
+}
+
+TEST_F(MainFrameBufferTest, ClearStackDeletesEveryLevelWithItsStencil)
+{
+    frame().prepare(2, 2, true);
+    frame().pushRenderContext(false, true);
+    frame().pushRenderContext(false, false);
+    std::vector<GLuint> names(frame().renderBufferStack().begin(), frame().renderBufferStack().end());
+    names.push_back(frame().stencilBuffers().begin()->second);
+
+    frame().clearStack();
+
+    EXPECT_THAT(frame().renderBufferStack(), IsEmpty());
+    EXPECT_THAT(frame().stencilBuffers(), IsEmpty());
+    for (GLuint name : names) {
+        EXPECT_EQ(glIsRenderbuffer(name), GL_FALSE) << name;
+    }
+}
+
+TEST_F(MainFrameBufferTest, ANormalLevelDrawsIntoTheTextureAndItsPopRestoresTheTopLevel)
+{
+    frame().prepare(4, 2, true);
+    frame().beginDrawing();
+    const GLuint top = frame().renderBufferStack().back();
+    const GLuint texture = frame().createFloatRenderTexture(false, false);
+
+    frame().pushNormalRenderContext(texture);
+    const GLint normal = integer(GL_DRAW_FRAMEBUFFER_BINDING);
+    glViewport(0, 0, 4, 2);
+    paint(0.5f, 2.0f, -1.0f, 1.0f);
+    glViewport(1, 1, 1, 1);
+    frame().popNormalRenderContext();
+
+    EXPECT_EQ(glIsFramebuffer(static_cast<GLuint>(normal)), GL_FALSE);
+    EXPECT_EQ(attachment(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0), static_cast<GLint>(top));
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    EXPECT_THAT(viewport, ElementsAre(0, 0, 4, 2));
+    EXPECT_THAT(takeTexture(texture), Pointwise(FloatNear(0.0f), solid(8, {0.5f, 2.0f, -1.0f, 1.0f})));
+}
+
+TEST_F(MainFrameBufferTest, AnEmptyRenderTextureHasTheFramesSizeAndFormat)
+{
+    frame().prepare(3, 2, true, GL_RGBA16);
+    const GLuint texture = frame().createRenderTexture(false);
+    EXPECT_EQ(integer(GL_TEXTURE_BINDING_2D), 0);
+    EXPECT_EQ(textureValue(texture, GL_TEXTURE_INTERNAL_FORMAT, true), static_cast<GLint>(GL_RGBA16));
+    EXPECT_EQ(textureValue(texture, GL_TEXTURE_WIDTH, true), 3);
+    EXPECT_THAT(takeTexture(texture), Each(0.0f));
+}
+
+TEST_F(MainFrameBufferTest, AFrameBeyondTheGLLimitsGetsNoStorageAndKeepsItsWholeWidth)
+{
+    const long wide = 70000;
+    ASSERT_GT(wide, integer(GL_MAX_RENDERBUFFER_SIZE));
+
+    frame().prepare(wide, 1, true);
+    frame().beginDrawing();
+    frame().endDrawing(1.0f);
+
+    EXPECT_EQ(frame().width(), wide & 0xFFFF);
+    EXPECT_EQ(renderbufferValue(frame().renderBuffer(), GL_RENDERBUFFER_WIDTH), 0);
+    EXPECT_THAT(frame().renderBufferStack(), IsEmpty());
+}
+
+TEST_F(MainFrameBufferTest, EndDrawingLeavesTheFinalRenderbufferBoundAndTheStateOfAFrame)
+{
+    frame().prepare(2, 2, true);
+    frame().beginDrawing();
+    EXPECT_EQ(glIsEnabled(GL_MULTISAMPLE), GL_TRUE);
+    paint(0.0f, 0.0f, 0.0f, 1.0f);
+
+    frame().endDrawing(1.0f);
+
+    EXPECT_EQ(attachment(GL_READ_FRAMEBUFFER, GL_COLOR_ATTACHMENT0), static_cast<GLint>(frame().renderBuffer()));
+    EXPECT_EQ(integer(GL_READ_FRAMEBUFFER_BINDING), integer(GL_DRAW_FRAMEBUFFER_BINDING));
+    EXPECT_EQ(glIsEnabled(GL_BLEND), GL_FALSE);
+    EXPECT_EQ(glIsEnabled(GL_MULTISAMPLE), GL_FALSE);
+    EXPECT_EQ(integer(GL_VERTEX_ARRAY_BINDING), 0);
+    EXPECT_THAT(frame().renderBufferStack(), IsEmpty());
+    // Opaque black in true RGBA comes out as the host's (A, R, G, B).
+    std::vector<float> pixels(16);
+    glReadPixels(0, 0, 2, 2, GL_RGBA, GL_FLOAT, pixels.data());
+    EXPECT_THAT(pixels, Pointwise(FloatNear(0.0f), solid(4, {1, 0, 0, 0})));
+}
+
+}  // namespace
+}  // namespace Halvane::Quorvex::Testing
