@@ -71,6 +71,7 @@ TEST_F(InterruptTest, TerminationDuringASequenceLeavesNoFrame)
 {
     const ToolResult result = interrupt("out.%02d.png", SIGTERM);
     EXPECT_EQ(result.exitCode, 128 + SIGTERM);
+    EXPECT_THAT(result.err, ::testing::HasSubstr("SIGTERM"));
     EXPECT_EQ(files(), mInputs) << "frames written before the signal must go too";
 }
 

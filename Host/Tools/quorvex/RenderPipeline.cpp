@@ -9,7 +9,6 @@
 #include "ToolError.h"
 
 #include <csignal>
-#include <cstring>
 #include <exception>
 #include <mutex>
 #include <thread>
@@ -44,6 +43,20 @@ private:
     std::mutex mMutex;
     std::exception_ptr mFailure;
 };
+
+std::string SignalName(int signal)
+{
+    switch (signal) {
+    case SIGINT:
+        return "Ctrl-C (SIGINT)";
+    case SIGTERM:
+        return "SIGTERM";
+    case SIGHUP:
+        return "SIGHUP";
+    default:
+        return "signal " + std::to_string(signal);
+    }
+}
 
 }  // namespace
 
@@ -132,11 +145,9 @@ std::size_t RenderPipeline::run()
 
     if (mInterrupts.interrupted()) {
         mProgress.abandon();
-        throw ToolError(mInterrupts.exitCode(), std::string("interrupted by ") +
-                                                    (mInterrupts.signalNumber() == SIGINT
-                                                         ? "Ctrl-C"
-                                                         : strsignal(mInterrupts.signalNumber())) +
-                                                    "; no output was written");
+        throw ToolError(
+            mInterrupts.exitCode(),
+            "interrupted by " + SignalName(mInterrupts.signalNumber()) + "; no output was written");
     }
     try {
         failure.rethrow();
