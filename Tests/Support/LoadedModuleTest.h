@@ -10,8 +10,10 @@ namespace Halvane::Quorvex::Testing {
 
 // The built effect module, loaded into a fresh host runtime for each test.
 // Every test ends with the host's books balanced: no suite held, no handle
-// open, no parameter checked out.
-class LoadedModuleTest : public ::testing::Test {
+// open, no parameter checked out. `Base` is the fixture underneath, for
+// tests that also need a GL context of the host's own.
+template <typename Base = ::testing::Test>
+class LoadedModuleTestOn : public Base {
 protected:
     void TearDown() override
     {
@@ -20,11 +22,14 @@ protected:
         EXPECT_EQ(host.handles().openHandles(), 0u) << "a handle was not disposed";
         EXPECT_EQ(host.handles().misuses(), 0u) << "a handle was misused";
         EXPECT_EQ(host.openParamCheckouts(), 0) << "a parameter was not checked in";
+        Base::TearDown();
     }
 
     Host::HostRuntime host;
     Host::PluginModule module{QUORVEX_MODULE_PATH};
     Host::EffectSession session{host, module};
 };
+
+using LoadedModuleTest = LoadedModuleTestOn<>;
 
 }  // namespace Halvane::Quorvex::Testing

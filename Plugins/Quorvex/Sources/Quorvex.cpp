@@ -3,7 +3,14 @@
 #include "AEGPSuites.h"
 #include "Common.h"
 #include "EffectSuites.h"
+#include "GL/AEOpenGLContextManager.h"
+#include "GL/AEOpenGLUtilities.h"
+#include "GL/AEOpenglMainFrameBuffer.h"
+#include "GL/SaveRestoreGLContextMac.h"
+#include "GlitchRender.h"
 #include "Helper/SuiteScoper.h"
+
+#include <glbinding/gl/gl.h>
 
 #include <cstring>
 #include <new>
@@ -13,6 +20,51 @@ namespace Halvane::Quorvex {
 namespace {
 
 AEGP_PluginID mPluginID = 0;
+// Made at load, before any command; its constructor makes no GL call.
+GlitchRender* mRender = new GlitchRender();
+
+// Set-down deletes the renderer; a later set-up or frame in the same process
+// makes it again.
+GlitchRender& Renderer()
+{
+    if (!mRender) {
+        mRender = new GlitchRender();
+    }
+    return *mRender;
+}
+
+// Roots the share group that every render context joins, keeping the host's
+// context current around it.
+void SetupGL()
+{
+    SaveRestoreGLContextMac saver;
+    AEOpenGLContextManager::setupContextManager();
+    saver.restore();
+}
+
+// Ends a frame that does not reach its end: the texture it uploaded and the
+// drawing level it opened go, so that nothing piles up on the frame buffer.
+class FrameCleanup {
+public:
+    ~FrameCleanup()
+    {
+        if (mTexture != 0) {
+            gl::glDeleteTextures(1, &mTexture);
+        }
+        if (mLevelOpen) {
+            AEOpenglMainFrameBuffer::mainFrameBuffer()->clearStack();
+        }
+    }
+
+    void levelOpened() { mLevelOpen = true; }
+    void levelClosed() { mLevelOpen = false; }
+    void textureMade(gl::GLuint texture) { mTexture = texture; }
+    void textureDeleted() { mTexture = 0; }
+
+private:
+    gl::GLuint mTexture = 0;
+    bool mLevelOpen = false;
+};
 
 bool IsEmptyRect(const PF_LRect* rect)
 {
@@ -51,11 +103,25 @@ PF_Err GlobalSetup(PF_InData* in_data, PF_OutData* out_data)
 
     SuiteScoper<AEGP_UtilitySuite6> utilitySuite(in_data, kAEGPUtilitySuite, 13);
     utilitySuite->AEGP_RegisterWithAEGP(nullptr, kEffectName, &mPluginID);
+    Renderer();
+    SetupGL();
     return PF_Err_NONE;
 }
 
 PF_Err GlobalSetdown(PF_InData* in_data, PF_OutData* out_data)
 {
+    SaveRestoreGLContextMac saver;
+    // Without a shared data context no frame has run, so the renderer and the
+    // frame buffer hold no GL object and go without a GL call.
+    if (AEOpenGLContext* shared = AEOpenGLContextManager::getSharedDataContext()) {
+        shared->makeContextCurrent();
+    }
+    AEOpenglMainFrameBuffer::mainFrameBuffer()->destory();
+    delete mRender;
+    mRender = nullptr;
+    AEOpenGLContextManager::releaseContextManager();
+    saver.restore();
+
     if (in_data->sequence_data) {
         in_data->utils->host_dispose_handle(in_data->sequence_data);
         out_data->sequence_data = nullptr;
@@ -119,8 +185,64 @@ PF_Err SmartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra)
     return PF_Err_NONE;
 }
 
-PF_Err SmartRender(PF_InData*, PF_OutData*, PF_SmartRenderExtra*)
+PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra* extra)
 {
+    PF_EffectWorld* input = nullptr;
+    PF_EffectWorld* output = nullptr;
+    if (const PF_Err err =
+            extra->cb->checkout_layer_pixels(in_data->effect_ref, kInputCheckoutId, &input)) {
+        return err;
+    }
+    if (const PF_Err err = extra->cb->checkout_output(in_data->effect_ref, &output)) {
+        return err;
+    }
+
+    // Every way out of the frame, thrown ones included, gives the host its
+    // context back: the saver restores when it goes out of scope.
+    SaveRestoreGLContextMac saver;
+    if (!AEOpenGLContextManager::getSharedDataContext()) {
+        SetupGL();
+    }
+    AEOpenGLContextManager::getCurrentRenderContext()->makeContextCurrent();
+
+    const long width = input->width;
+    const long height = input->height;
+
+    // The depth decides the precision of the render targets, so it is read
+    // before they are sized. A failed query leaves the frame at 8 bits.
+    SuiteScoper<PF_WorldSuite2> worldSuite(in_data, kPFWorldSuite, 2);
+    PF_PixelFormat format = PF_PixelFormat_ARGB32;
+    worldSuite->PF_GetPixelFormat(input, &format);
+
+    AEOpenglMainFrameBuffer* frameBuffer = AEOpenglMainFrameBuffer::mainFrameBuffer();
+    frameBuffer->prepare(width, height, true, AEOpenGLUtilities::RenderTargetFormat(format));
+    FrameCleanup cleanup;
+    frameBuffer->beginDrawing();
+    cleanup.levelOpened();
+
+    unsigned long pixelSize = 4;
+    gl::GLenum pixelType = gl::GL_UNSIGNED_BYTE;
+    float multiplier = 1.0f;
+    const gl::GLuint texture = AEOpenGLUtilities::UploadTexture(
+        format, input, output, in_data, pixelSize, pixelType, multiplier, false);
+    cleanup.textureMade(texture);
+
+    GlitchRender& renderer = Renderer();
+    // Drawing with the last frame's values would show a wrong frame as right.
+    if (const PF_Err err = renderer.preaprea(in_data, out_data, extra, mPluginID, input)) {
+        return err;
+    }
+    renderer.draw(in_data, input, texture, multiplier);
+
+    gl::glDeleteTextures(1, &texture);
+    cleanup.textureDeleted();
+    frameBuffer->endDrawing(multiplier);
+    cleanup.levelClosed();
+
+    AEOpenGLUtilities::DownloadTexture(static_cast<unsigned int>(width),
+                                       static_cast<unsigned int>(height), input, output, in_data,
+                                       format, pixelSize, pixelType);
+    saver.restore();
     return PF_Err_NONE;
 }
 

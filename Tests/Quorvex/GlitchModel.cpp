@@ -1,0 +1,204 @@
+#include "GlitchModel.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Halvane::Quorvex::Testing {
+
+namespace {
+
+using Vec4 = std::array<float, 4>;
+
+// Rows closer than this to a decision boundary (in texture coordinates or
+// pixels, as the test's units) are not vouched for.
+constexpr float kBoundaryMargin = 1e-4f;
+
+float Fract(float value)
+{
+    return value - std::floor(value);
+}
+
+float Step(float edge, float value)
+{
+    return value < edge ? 0.0f : 1.0f;
+}
+
+// GLSL's mod: x - y * floor(x / y).
+float Mod(float x, float y)
+{
+    return x - y * std::floor(x / y);
+}
+
+Vec4 SwapChannel(const Vec4& c)
+{
+    return {c[1], c[2], c[3], c[0]};
+}
+
+Vec4 Scale(Vec4 c, float factor)
+{
+    for (float& channel : c) {
+        channel *= factor;
+    }
+    return c;
+}
+
+Vec4 Premultiply(const Vec4& c)
+{
+    return {c[3] * c[0], c[3] * c[1], c[3] * c[2], c[3]};
+}
+
+float Quantise(float value, float steps)
+{
+    return std::nearbyint(std::clamp(value, 0.0f, 1.0f) * steps);
+}
+
+}  // namespace
+
+GlitchModel::GlitchModel(int width, int height, PF_PixelFormat format,
+                         std::vector<std::array<float, 4>> pixels)
+    : mWidth(width),
+      mHeight(height),
+      mFormat(format),
+      mMultiplier(format == PF_PixelFormat_ARGB64 ? 65535.0f / 32768.0f : 1.0f),
+      mTargetSteps(format == PF_PixelFormat_ARGB32 ? 255.0f : 65535.0f),
+      mTexture(std::move(pixels))
+{
+    // GL normalises integer channels by their type's full range: a 16-bit
+    // host white of 32768 arrives as 32768/65535.
+    const float normaliser = format == PF_PixelFormat_ARGB32   ? 255.0f
+                             : format == PF_PixelFormat_ARGB64 ? 65535.0f
+                                                               : 1.0f;
+    for (Vec4& texel : mTexture) {
+        for (float& channel : texel) {
+            channel /= normaliser;
+        }
+    }
+}
+
+Vec4 GlitchModel::texel(int x, int y) const
+{
+    x = std::clamp(x, 0, mWidth - 1);
+    y = std::clamp(y, 0, mHeight - 1);
+    return mTexture[static_cast<std::size_t>(y) * static_cast<std::size_t>(mWidth) +
+                    static_cast<std::size_t>(x)];
+}
+
+Vec4 GlitchModel::sample(float u, float v) const
+{
+    const float fx = u * static_cast<float>(mWidth) - 0.5f;
+    const float fy = v * static_cast<float>(mHeight) - 0.5f;
+    const float x0 = std::floor(fx);
+    const float y0 = std::floor(fy);
+    const float ax = fx - x0;
+    const float ay = fy - y0;
+    const int ix = static_cast<int>(x0);
+    const int iy = static_cast<int>(y0);
+    const Vec4 a = texel(ix, iy);
+    const Vec4 b = texel(ix + 1, iy);
+    const Vec4 c = texel(ix, iy + 1);
+    const Vec4 d = texel(ix + 1, iy + 1);
+    Vec4 result{};
+    for (int i = 0; i < 4; ++i) {
+        const float top = a[i] + (b[i] - a[i]) * ax;
+        const float bottom = c[i] + (d[i] - c[i]) * ax;
+        result[i] = top + (bottom - top) * ay;
+    }
+    return SwapChannel(result);
+}
+
+ModelPixel GlitchModel::finish(Vec4 rgba, bool certain) const
+{
+    // The effect's last two steps: the multiplier, then premultiplication.
+    const Vec4 stored = Premultiply(Scale(rgba, mMultiplier));
+    Vec4 target{};
+    for (int i = 0; i < 4; ++i) {
+        target[i] = Quantise(stored[i], mTargetSteps) / mTargetSteps;
+    }
+    // The screen pass: straight alpha, back in the host's order, unscaled.
+    Vec4 screen{};
+    if (target[3] != 0.0f) {
+        screen = {target[3], target[0] / target[3], target[1] / target[3], target[2] / target[3]};
+        for (float& channel : screen) {
+            channel /= mMultiplier;
+        }
+    }
+    ModelPixel pixel;
+    pixel.certain = certain;
+    for (int i = 0; i < 4; ++i) {
+        const float steps = Quantise(screen[i], mTargetSteps);
+        pixel.argb[i] = mFormat == PF_PixelFormat_ARGB128 ? steps / mTargetSteps : steps;
+    }
+    return pixel;
+}
+
+std::vector<ModelPixel> GlitchModel::blockGlitch(const BlockGlitchRandoms& randoms) const
+{
+    std::vector<ModelPixel> frame;
+    frame.reserve(mTexture.size());
+    for (int py = 0; py < mHeight; ++py) {
+        for (int px = 0; px < mWidth; ++px) {
+            const float u = (static_cast<float>(px) + 0.5f) / static_cast<float>(mWidth);
+            const float v = (static_cast<float>(py) + 0.5f) / static_cast<float>(mHeight);
+            bool certain = true;
+            Vec4 colour = sample(u, v);
+            for (int i = 0; i < 2; ++i) {
+                const float bottom = randoms.sliceY[i];
+                const float top = Fract(randoms.sliceY[i] + randoms.sliceH[i]);
+                if (std::fabs(v - bottom) < kBoundaryMargin || std::fabs(v - top) < kBoundaryMargin) {
+                    certain = false;
+                }
+                if (Step(bottom, v) - Step(top, v) == 1.0f) {
+                    colour = sample(u + randoms.hOffset[i], v);
+                }
+            }
+            const Vec4 shifted = sample(u + randoms.colOffset[0], v + randoms.colOffset[1]);
+            const int channel = randoms.rnd < 0.33f ? 0 : randoms.rnd < 0.66f ? 1 : 2;
+            colour[channel] = shifted[channel];
+            frame.push_back(finish(colour, certain));
+        }
+    }
+    return frame;
+}
+
+std::vector<ModelPixel> GlitchModel::badTV(const BadTVRandoms& randoms, float iTime) const
+{
+    const float rnd = randoms.rnd;
+    const float width = static_cast<float>(mWidth);
+    const float height = static_cast<float>(mHeight);
+    std::vector<ModelPixel> frame;
+    frame.reserve(mTexture.size());
+    for (int py = 0; py < mHeight; ++py) {
+        for (int px = 0; px < mWidth; ++px) {
+            const float x = (static_cast<float>(px) + 0.5f) / width * width;
+            const float y = (static_cast<float>(py) + 0.5f) / height * height;
+            // A row close to the band threshold, or to a whole number of
+            // periods where mod wraps, may take either branch on a GPU.
+            const float periods = y / rnd;
+            const bool certain = std::fabs(Mod(y, rnd) - rnd / 8.0f) > kBoundaryMargin * rnd &&
+                                 std::fabs(periods - std::nearbyint(periods)) > kBoundaryMargin;
+            Vec4 colour;
+            if (Mod(y, rnd) > rnd / 8.0f) {
+                const float of = std::sin(y / rnd * iTime) * rnd * 2.0f;
+                const float u2 = (x + of) / width;
+                const float v2 = (y + of / 2.0f) / height;
+                const float tear = of * rnd * 0.005f;
+                colour = sample(u2, v2);
+                colour[0] *= sample(u2 + tear, v2)[0];
+                colour[1] *= sample(u2, v2)[1];
+                colour[2] *= sample(u2 - tear, v2)[2];
+            } else {
+                const float u2 = (x - rnd * 4.0f) / width;
+                const float v2 = (y + rnd / 2.0f) / height;
+                const float tear = rnd * 0.05f;
+                colour = sample(u2, v2);
+                colour[0] *= sample(u2 + tear, v2)[0];
+                colour[1] *= sample(u2, v2)[1];
+                colour[2] *= sample(u2 - tear, v2)[2];
+            }
+            frame.push_back(finish(Scale(colour, 1.5f), certain));
+        }
+    }
+    return frame;
+}
+
+}  // namespace Halvane::Quorvex::Testing

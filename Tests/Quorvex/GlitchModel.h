@@ -1,0 +1,72 @@
+#pragma once
+
+#include "EffectInterface.h"
+
+#include <array>
+#include <vector>
+
+namespace Halvane::Quorvex::Testing {
+
+// What a frame's Block Glitch program computes once for all its fragments.
+// Tests read these off the GPU with a probe program, because the random
+// function is a sine of a large argument whose last bits differ between
+// processors: a CPU value would place the bands elsewhere.
+struct BlockGlitchRandoms {
+    float time = 0.0f;
+    std::array<float, 2> sliceY{};
+    std::array<float, 2> sliceH{};
+    std::array<float, 2> hOffset{};
+    float rnd = 0.0f;
+    std::array<float, 2> colOffset{};
+};
+
+struct BadTVRandoms {
+    float rnd = 0.0f;
+};
+
+// One pixel of the model's output in the host's units, and whether the model
+// can vouch for it: a pixel whose row lies within a hair of a band's edge or a
+// branch threshold may fall either way on a GPU, and is left out of the
+// comparison.
+struct ModelPixel {
+    std::array<float, 4> argb{};
+    bool certain = true;
+};
+
+// The whole frame on the CPU, in single precision, as the module draws it:
+// upload (host values normalised into a float texture, host A,R,G,B in r,g,b,a),
+// the fragment stage with bilinear clamped sampling, the premultiplied result
+// stored in the render target at its precision, the screen pass that
+// un-premultiplies and rotates back, and the read-back into host units.
+class GlitchModel {
+public:
+    // `pixels` holds the input in host order, A,R,G,B per pixel, in host
+    // units (0-255, 0-32768, or float), row 0 first.
+    GlitchModel(int width, int height, PF_PixelFormat format, std::vector<std::array<float, 4>> pixels);
+
+    std::vector<ModelPixel> blockGlitch(const BlockGlitchRandoms& randoms) const;
+    std::vector<ModelPixel> badTV(const BadTVRandoms& randoms, float iTime) const;
+
+    // multiplier16bit of the depth: 65535/32768 at 16 bits, else 1.
+    float multiplier() const { return mMultiplier; }
+
+private:
+    using Vec4 = std::array<float, 4>;
+
+    // The texture as the shader samples it, then rotated to true RGBA.
+    Vec4 sample(float u, float v) const;
+    Vec4 texel(int x, int y) const;
+    // The premultiplied fragment through the render target, the screen pass
+    // and the read-back.
+    ModelPixel finish(Vec4 rgba, bool certain) const;
+
+    int mWidth;
+    int mHeight;
+    PF_PixelFormat mFormat;
+    float mMultiplier;
+    // Steps of the render targets: 255 at 8 bits, 65535 at 16 and 32.
+    float mTargetSteps;
+    std::vector<Vec4> mTexture;
+};
+
+}  // namespace Halvane::Quorvex::Testing
