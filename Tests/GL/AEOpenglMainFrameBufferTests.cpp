@@ -230,6 +230,38 @@ TEST_F(MainFrameBufferTest, AnEmptyRenderTextureHasTheFramesSizeAndFormat)
     EXPECT_THAT(takeTexture(texture), Each(0.0f));
 }
 
+TEST_F(MainFrameBufferTest, SizesGivenAsVectorsAreTruncatedToWholePixels)
+{
+    frame().prepare(3, 2, true, GL_RGBA16);
+    const GLuint plain = frame().createRenderTexture(Vec2(5.9, 3.2), false);
+    EXPECT_EQ(textureValue(plain, GL_TEXTURE_INTERNAL_FORMAT, true), static_cast<GLint>(GL_RGBA16));
+    EXPECT_EQ(textureValue(plain, GL_TEXTURE_WIDTH, true), 5);
+    EXPECT_EQ(textureValue(plain, GL_TEXTURE_HEIGHT, true), 3);
+    EXPECT_THAT(takeTexture(plain), Each(0.0f));
+
+    const GLuint floats = frame().createFloatRenderTexture(Vec2(4.99, 2.0), false, true);
+    EXPECT_EQ(textureValue(floats, GL_TEXTURE_INTERNAL_FORMAT, true), static_cast<GLint>(GL_RGBA32F));
+    EXPECT_EQ(textureValue(floats, GL_TEXTURE_WIDTH, true), 4);
+    EXPECT_EQ(textureValue(floats, GL_TEXTURE_MIN_FILTER), static_cast<GLint>(GL_LINEAR_MIPMAP_NEAREST));
+
+    // A normal level on mip level 1 of the float texture, with its viewport.
+    frame().beginDrawing();
+    glBindTexture(GL_TEXTURE_2D, floats);
+    glGenerateMipmap(GL_TEXTURE_2D);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    frame().pushNormalRenderContext(floats, Vec2(2.7, 1.9), 1);
+    EXPECT_EQ(attachment(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0), static_cast<GLint>(floats));
+    GLint level = -1;
+    glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
+                                          GL_FRAMEBUFFER_ATTACHMENT_TEXTURE_LEVEL, &level);
+    EXPECT_EQ(level, 1);
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    EXPECT_THAT(viewport, ElementsAre(0, 0, 2, 1));
+    frame().popNormalRenderContext();
+    glDeleteTextures(1, &floats);
+}
+
 TEST_F(MainFrameBufferTest, AFrameBeyondTheGLLimitsGetsNoStorageAndKeepsItsWholeWidth)
 {
     const long wide = 70000;

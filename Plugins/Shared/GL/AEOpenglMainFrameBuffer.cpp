@@ -16,6 +16,13 @@ namespace {
 
 constexpr GLsizei kMostSamples = 8;
 
+// A side of the frame's own textures: none while the frame is beyond the GL
+// limits, which UploadTexture then reports.
+GLsizei FrameSize(std::uint32_t size, bool fits)
+{
+    return fits ? static_cast<GLsizei>(size) : 0;
+}
+
 }  // namespace
 
 AEOpenglMainFrameBuffer::AEOpenglMainFrameBuffer() : mScreenRender(new ScreenRender())
@@ -108,18 +115,37 @@ unsigned short AEOpenglMainFrameBuffer::height() const
 
 GLuint AEOpenglMainFrameBuffer::createRenderTexture(bool mipmap)
 {
-    return createTexture(mColourFormat, mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR, GL_LINEAR, true);
+    return createTexture(mColourFormat, FrameSize(mWidth, mStorageFits), FrameSize(mHeight, mStorageFits),
+                         mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR, GL_LINEAR, true);
 }
 
 GLuint AEOpenglMainFrameBuffer::createFloatRenderTexture(bool linear, bool mipmap)
 {
-    GLenum minFilter = linear ? GL_LINEAR : GL_NEAREST;
-    GLenum magFilter = minFilter;
+    const auto [minFilter, magFilter] = floatFilters(linear, mipmap);
+    return createTexture(GL_RGBA32F, FrameSize(mWidth, mStorageFits), FrameSize(mHeight, mStorageFits),
+                         minFilter, magFilter, true);
+}
+
+GLuint AEOpenglMainFrameBuffer::createRenderTexture(const Vec2& size, bool mipmap)
+{
+    return createTexture(mColourFormat, static_cast<GLsizei>(size.x), static_cast<GLsizei>(size.y),
+                         mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR, GL_LINEAR, true);
+}
+
+GLuint AEOpenglMainFrameBuffer::createFloatRenderTexture(const Vec2& size, bool linear, bool mipmap)
+{
+    const auto [minFilter, magFilter] = floatFilters(linear, mipmap);
+    return createTexture(GL_RGBA32F, static_cast<GLsizei>(size.x), static_cast<GLsizei>(size.y),
+                         minFilter, magFilter, true);
+}
+
+std::pair<GLenum, GLenum> AEOpenglMainFrameBuffer::floatFilters(bool linear, bool mipmap)
+{
     if (mipmap) {
-        minFilter = linear ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR_MIPMAP_NEAREST;
-        magFilter = GL_LINEAR;
+        return {linear ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR_MIPMAP_NEAREST, GL_LINEAR};
     }
-    return createTexture(GL_RGBA32F, minFilter, magFilter, true);
+    const GLenum filter = linear ? GL_LINEAR : GL_NEAREST;
+    return {filter, filter};
 }
 
 void AEOpenglMainFrameBuffer::beginDrawing()
@@ -187,7 +213,8 @@ GLuint AEOpenglMainFrameBuffer::popRenderContext()
     }
     // The resolve covers every texel, so the texture need not be cleared
     // first; that would cost a frame-sized block of zeros each time.
-    const GLuint texture = createTexture(mColourFormat, GL_LINEAR, GL_LINEAR, false);
+    const GLuint texture = createTexture(mColourFormat, FrameSize(mWidth, mStorageFits),
+                                         FrameSize(mHeight, mStorageFits), GL_LINEAR, GL_LINEAR, false);
     const GLsizei width = static_cast<GLsizei>(mWidth);
     const GLsizei height = static_cast<GLsizei>(mHeight);
     const ContextFrameBuffers& frameBuffers = contextFrameBuffers();
@@ -221,11 +248,22 @@ GLuint AEOpenglMainFrameBuffer::popRenderContext()
 
 void AEOpenglMainFrameBuffer::pushNormalRenderContext(GLuint texture)
 {
+    bindNormalFrameBuffer(texture, 0);
+}
+
+void AEOpenglMainFrameBuffer::pushNormalRenderContext(GLuint texture, const Vec2& size, int level)
+{
+    bindNormalFrameBuffer(texture, level);
+    glViewport(0, 0, static_cast<GLsizei>(size.x), static_cast<GLsizei>(size.y));
+}
+
+void AEOpenglMainFrameBuffer::bindNormalFrameBuffer(GLuint texture, int level)
+{
     GLuint frameBuffer = 0;
     glGenFramebuffers(1, &frameBuffer);
     glBindRenderbuffer(GL_RENDERBUFFER, 0);
     glBindFramebuffer(GL_FRAMEBUFFER, frameBuffer);
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, level);
     glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
     glClear(GL_COLOR_BUFFER_BIT);
 }
@@ -336,8 +374,8 @@ void AEOpenglMainFrameBuffer::levelStorage(GLenum format)
     }
 }
 
-GLuint AEOpenglMainFrameBuffer::createTexture(GLenum internalFormat, GLenum minFilter, GLenum magFilter,
-                                              bool transparentBlack)
+GLuint AEOpenglMainFrameBuffer::createTexture(GLenum internalFormat, GLsizei width, GLsizei height,
+                                              GLenum minFilter, GLenum magFilter, bool transparentBlack)
 {
     GLuint texture = 0;
     glGenTextures(1, &texture);
@@ -346,11 +384,11 @@ GLuint AEOpenglMainFrameBuffer::createTexture(GLenum internalFormat, GLenum minF
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, magFilter);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    if (mStorageFits) {
-        const std::vector<unsigned char> zeros(transparentBlack ? static_cast<std::size_t>(mWidth) * mHeight * 4 : 0);
-        glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(internalFormat), static_cast<GLsizei>(mWidth),
-                     static_cast<GLsizei>(mHeight), 0, GL_RGBA, GL_UNSIGNED_BYTE,
-                     transparentBlack ? zeros.data() : nullptr);
+    if (width > 0 && height > 0) {
+        const std::vector<unsigned char> zeros(
+            transparentBlack ? static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4 : 0);
+        glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(internalFormat), width, height, 0, GL_RGBA,
+                     GL_UNSIGNED_BYTE, transparentBlack ? zeros.data() : nullptr);
     }
     glBindTexture(GL_TEXTURE_2D, 0);
     return texture;

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "GL/GLPlatform.h"
+#include "Math/Vec2.h"
 
 #include <glbinding/gl/enum.h>
 #include <glbinding/gl/types.h>
 
 #include <cstdint>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace Halvane::Quorvex {
@@ -61,6 +63,9 @@ public:
     // GL_RGBA32F.
     gl::GLuint createRenderTexture(bool mipmap);
     gl::GLuint createFloatRenderTexture(bool linear, bool mipmap);
+    // The same at `size`, each component truncated to whole pixels.
+    gl::GLuint createRenderTexture(const Vec2& size, bool mipmap);
+    gl::GLuint createFloatRenderTexture(const Vec2& size, bool linear, bool mipmap);
 
     // Opens a frame: one level, cleared to transparent black, the viewport
     // set to the frame.
@@ -80,6 +85,9 @@ public:
     // Draws straight into level 0 of `texture` through a framebuffer of its
     // own, cleared to transparent black; the viewport is left alone.
     void pushNormalRenderContext(gl::GLuint texture);
+    // The same into mip level `level` of `texture`, ending with the viewport
+    // set to `size`, each component truncated to whole pixels.
+    void pushNormalRenderContext(gl::GLuint texture, const Vec2& size, int level);
     // Undoes a normal push (its framebuffer must still be bound) and brings
     // the top level and the frame's viewport back.
     void popNormalRenderContext();
@@ -112,12 +120,17 @@ private:
     // The framebuffer that the levels are bound to in the current context.
     gl::GLuint levelFrameBuffer();
     void attachTopLevel();
+    // A framebuffer of its own on mip level `level` of `texture`, bound and
+    // cleared.
+    void bindNormalFrameBuffer(gl::GLuint texture, int level);
     // Colour or stencil storage for a level, multisampled if the frame is.
     void levelStorage(gl::GLenum format);
     // A texture of the frame's size, unbound; its texels are transparent
     // black if asked for, undefined otherwise.
-    gl::GLuint createTexture(gl::GLenum internalFormat, gl::GLenum minFilter, gl::GLenum magFilter,
-                             bool transparentBlack);
+    gl::GLuint createTexture(gl::GLenum internalFormat, gl::GLsizei width, gl::GLsizei height,
+                             gl::GLenum minFilter, gl::GLenum magFilter, bool transparentBlack);
+    // The filters of a float texture by its two flags.
+    static std::pair<gl::GLenum, gl::GLenum> floatFilters(bool linear, bool mipmap);
     ScreenRender& screenRender();
 
     std::map<GLPlatform::ContextId, ContextFrameBuffers> mContextFrameBuffers;
