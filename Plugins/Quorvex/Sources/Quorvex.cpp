@@ -6,6 +6,7 @@
 #include "GL/AEOpenGLContextManager.h"
 #include "GL/AEOpenGLUtilities.h"
 #include "GL/AEOpenglMainFrameBuffer.h"
+#include "GL/FrameProfiler.h"
 #include "GL/SaveRestoreGLContextMac.h"
 #include "GlitchRender.h"
 #include "Helper/SuiteScoper.h"
@@ -187,6 +188,7 @@ PF_Err SmartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra)
 
 PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra* extra)
 {
+    FrameProfiler::frameBegins();
     PF_EffectWorld* input = nullptr;
     PF_EffectWorld* output = nullptr;
     if (const PF_Err err =
@@ -219,6 +221,7 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
     FrameCleanup cleanup;
     frameBuffer->beginDrawing();
     cleanup.levelOpened();
+    FrameProfiler::stageEnds(FrameProfiler::kPrepare);
 
     unsigned long pixelSize = 4;
     gl::GLenum pixelType = gl::GL_UNSIGNED_BYTE;
@@ -226,6 +229,7 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
     const gl::GLuint texture = AEOpenGLUtilities::UploadTexture(
         format, input, output, in_data, pixelSize, pixelType, multiplier, false);
     cleanup.textureMade(texture);
+    FrameProfiler::stageEnds(FrameProfiler::kUpload);
 
     GlitchRender& renderer = Renderer();
     // Drawing with the last frame's values would show a wrong frame as right.
@@ -233,6 +237,7 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
         return err;
     }
     renderer.draw(in_data, input, texture, multiplier);
+    FrameProfiler::stageEnds(FrameProfiler::kEffectDraw);
 
     gl::glDeleteTextures(1, &texture);
     cleanup.textureDeleted();
@@ -242,7 +247,9 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
     AEOpenGLUtilities::DownloadTexture(static_cast<unsigned int>(width),
                                        static_cast<unsigned int>(height), input, output, in_data,
                                        format, pixelSize, pixelType);
+    FrameProfiler::stageEnds(FrameProfiler::kReadBack);
     saver.restore();
+    FrameProfiler::frameEnds();
     return PF_Err_NONE;
 }
 

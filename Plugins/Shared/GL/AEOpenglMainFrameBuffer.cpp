@@ -1,6 +1,7 @@
 #include "GL/AEOpenglMainFrameBuffer.h"
 
 #include "GL/AEOpenGLUtilities.h"
+#include "GL/FrameProfiler.h"
 #include "GL/ScreenRender.h"
 
 #include <glbinding/gl/gl.h>
@@ -165,6 +166,7 @@ void AEOpenglMainFrameBuffer::endDrawing(float multiplier)
     if (texture == 0) {
         return;
     }
+    FrameProfiler::stageEnds(FrameProfiler::kResolve);
     // The final pass maps texels to pixels one to one. A linear filter there
     // would mix a sliver of each neighbour into every pixel, and dividing by
     // an alpha that ought to be 0 would blow the sliver up into the
@@ -182,6 +184,7 @@ void AEOpenglMainFrameBuffer::endDrawing(float multiplier)
     glClear(GL_COLOR_BUFFER_BIT);
     screenRender().draw(texture, multiplier);
     glDeleteTextures(1, &texture);
+    FrameProfiler::stageEnds(FrameProfiler::kScreenPass);
 }
 
 void AEOpenglMainFrameBuffer::pushRenderContext(bool /*unused*/, bool stencil)
