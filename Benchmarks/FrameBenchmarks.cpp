@@ -47,9 +47,9 @@ constexpr int kGlitchTypes[] = {1, 2};
 constexpr int kWarmUpFrames = 3;
 // Timed frames of a 1920x1080 case; other sizes get as many as take about
 // the same time, within the bounds.
-constexpr double kFramesAt1080 = 36.0;
+constexpr double kFramesAt1080 = 48.0;
 constexpr int kFewestFrames = 6;
-constexpr int kMostFrames = 80;
+constexpr int kMostFrames = 100;
 // Synchronised frames for the stage split, as a share of the timed ones.
 constexpr int kSplitFramesDivisor = 2;
 constexpr int kFramesPerSecond = 24;
