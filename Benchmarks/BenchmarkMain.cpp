@@ -8,6 +8,7 @@
 
 #include "BenchmarkTable.h"
 #include "FrameBenchmarks.h"
+#include "FrameMemory.h"
 #include "HostCostBenchmarks.h"
 
 #include <benchmark/benchmark.h>
@@ -72,6 +73,8 @@ int main(int argc, char** argv)
     TakeOption(argc, argv, "json", jsonPath);
     TakeOption(argc, argv, "module", modulePath);
     benchmark::Initialize(&argc, argv);
+    // Frames are measured in a process set up as quorvex sets itself up.
+    Halvane::Quorvex::Tools::KeepFrameMemoryBetweenFrames();
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
     }

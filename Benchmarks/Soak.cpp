@@ -11,6 +11,7 @@
 #include "ClipPicture.h"
 #include "EffectHost.h"
 #include "EffectSettings.h"
+#include "FrameMemory.h"
 #include "ModuleProfiler.h"
 #include "OpenGLReport.h"
 #include "PixelDepth.h"
@@ -158,6 +159,8 @@ int main(int argc, char** argv)
     std::string modulePath = QUORVEX_PROFILED_MODULE_PATH;
     std::string framesText;
     TakeOption(argc, argv, "module", modulePath);
+    // Frames are measured in a process set up as quorvex sets itself up.
+    Halvane::Quorvex::Tools::KeepFrameMemoryBetweenFrames();
     std::size_t frames = kFrames;
     if (TakeOption(argc, argv, "frames", framesText)) {
         frames = std::strtoul(framesText.c_str(), nullptr, 10);

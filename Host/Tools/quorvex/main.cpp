@@ -1,4 +1,5 @@
 #include "DemoCommand.h"
+#include "FrameMemory.h"
 #include "InfoCommand.h"
 #include "ModuleLocation.h"
 #include "RenderCommand.h"
@@ -20,6 +21,7 @@ int main(int argc, char** argv)
     // FFmpeg's own chatter would bury the one line that matters; every
     // failure reaches the user through a ToolError.
     av_log_set_level(AV_LOG_QUIET);
+    KeepFrameMemoryBetweenFrames();
 
     CLI::App app{
         "quorvex: applies the Quorvex glitch effect to pictures, image sequences and video",
