@@ -35,29 +35,25 @@ inline ::testing::AssertionResult sameBits(double expected, double actual)
 inline ::testing::AssertionResult sameComponents(std::initializer_list<double> expected,
                                                  std::initializer_list<double> actual, char const* names = "xyzw")
 {
-    double const* actualValue = actual.begin();
-    for (double expectedValue : expected) {
-        if (auto result = sameBits(expectedValue, *actualValue); !result) {
-            return result << " in " << names[actualValue - actual.begin()];
+    for (std::size_t k = 0; k < expected.size(); ++k) {
+        if (auto result = sameBits(expected.begin()[k], actual.begin()[k]); !result) {
+            return result << " in " << names[k];
         }
-        ++actualValue;
     }
     return ::testing::AssertionSuccess();
 }
 
-inline ::testing::AssertionResult sameBits(Vec2 const& expected, Vec2 const& actual)
+inline ::testing::AssertionResult sameBits(Vec2 const& e, Vec2 const& a)
 {
-    return sameComponents({expected.x, expected.y}, {actual.x, actual.y});
+    return sameComponents({e.x, e.y}, {a.x, a.y});
 }
-
-inline ::testing::AssertionResult sameBits(Vec3 const& expected, Vec3 const& actual)
+inline ::testing::AssertionResult sameBits(Vec3 const& e, Vec3 const& a)
 {
-    return sameComponents({expected.x, expected.y, expected.z}, {actual.x, actual.y, actual.z});
+    return sameComponents({e.x, e.y, e.z}, {a.x, a.y, a.z});
 }
-
-inline ::testing::AssertionResult sameBits(Vec4 const& expected, Vec4 const& actual)
+inline ::testing::AssertionResult sameBits(Vec4 const& e, Vec4 const& a)
 {
-    return sameComponents({expected.x, expected.y, expected.z, expected.w}, {actual.x, actual.y, actual.z, actual.w});
+    return sameComponents({e.x, e.y, e.z, e.w}, {a.x, a.y, a.z, a.w});
 }
 
 // A float result widened to double, as the library forms channels and weights.
@@ -71,16 +67,8 @@ inline double widened(float value)
 // Printers, so that failed comparisons show values instead of bytes.
 namespace Halvane::Quorvex {
 
-inline void PrintTo(Vec2 const& v, std::ostream* os)
-{
-    *os << "(" << v.x << ", " << v.y << ")";
-}
-
-inline void PrintTo(Vec3 const& v, std::ostream* os)
-{
-    *os << "(" << v.x << ", " << v.y << ", " << v.z << ")";
-}
-
+inline void PrintTo(Vec2 const& v, std::ostream* os) { *os << "(" << v.x << ", " << v.y << ")"; }
+inline void PrintTo(Vec3 const& v, std::ostream* os) { *os << "(" << v.x << ", " << v.y << ", " << v.z << ")"; }
 inline void PrintTo(Vec4 const& v, std::ostream* os)
 {
     *os << "(" << v.x << ", " << v.y << ", " << v.z << ", " << v.w << ")";
