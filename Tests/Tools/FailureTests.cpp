@@ -1,5 +1,7 @@
 // Every bad input ends with exit code 2 (usage) or 1 (runtime), one line on
-// standard error naming the culprit, and no file left behind.
+// standard error naming the culprit, and no file left behind. The option
+// parsers' every message is checked in OptionParsingTests; here one case of
+// each kind shows the program passes it on.
 #include "Tools/Support/TestMedia.h"
 #include "Tools/Support/ToolTest.h"
 
@@ -13,7 +15,6 @@
 namespace Halvane::Quorvex::Testing {
 namespace {
 
-using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 class FailureTest : public ToolTest {
@@ -26,20 +27,33 @@ protected:
         mInputs = files();
     }
 
-    // Runs the fake-effect render with `options` and checks the exit code,
-    // that standard error is one line holding every piece of `words`, and
-    // that no file appeared.
-    void expectFailure(const std::vector<std::string>& arguments, int exitCode,
-                       const std::vector<std::string>& words,
-                       const std::map<std::string, std::string>& environment = {}, int lines = 1)
+    // Checks the exit code, that standard error is `lines` lines holding
+    // every piece of `words`, and that no file appeared.
+    void expectFailure(const ToolResult& result, int exitCode,
+                       const std::vector<std::string>& words, int lines = 1)
     {
-        const ToolResult result = runFake(arguments, environment);
         EXPECT_EQ(result.exitCode, exitCode) << result.err;
         for (const std::string& word : words) {
             EXPECT_THAT(result.err, HasSubstr(word));
         }
         EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), lines) << result.err;
         EXPECT_EQ(files(), mInputs) << "a failed run must leave nothing behind";
+    }
+
+    // The same for a render with the fake effect.
+    void expectFailure(const std::vector<std::string>& arguments, int exitCode,
+                       const std::vector<std::string>& words,
+                       const std::map<std::string, std::string>& environment = {}, int lines = 1)
+    {
+        expectFailure(runFake(arguments, environment), exitCode, words, lines);
+    }
+
+    // Renders in.png to out.png with these options.
+    std::vector<std::string> with(const std::vector<std::string>& options) const
+    {
+        std::vector<std::string> arguments{"render", path("in.png"), path("out.png")};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return arguments;
     }
 
     std::set<std::string> mInputs;
@@ -56,30 +70,16 @@ TEST_F(FailureTest, InputsThatCannotBeRead)
                   {"notes.png", "not a picture or video"});
     if (::geteuid() != 0) {
         ::chmod(path("in.png").c_str(), 0);
-        expectFailure({"render", path("in.png"), path("out.png")}, 1,
-                      {"in.png", "Permission denied"});
+        expectFailure(with({}), 1, {"in.png", "Permission denied"});
     }
 }
 
 TEST_F(FailureTest, OptionValuesThatMakeNoSense)
 {
-    const std::vector<std::string> render{"render", path("in.png"), path("out.png")};
-    const auto with = [&](std::vector<std::string> options) {
-        std::vector<std::string> arguments = render;
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        return arguments;
-    };
     expectFailure({"render", path("in.png"), path("out.xyz")}, 2, {"out.xyz", "'.xyz'"});
-    expectFailure({"render", path("in.png"), path("out.%04d.xyz")}, 2, {"'.xyz'"});
     expectFailure(with({"--glitch", "wobble"}), 2, {"--glitch", "'wobble'"});
-    expectFailure(with({"--glitch", "0:block,x:badtv"}), 2, {"--glitch", "'x'", "not a time"});
     expectFailure(with({"--speed", "0:1,2"}), 2, {"--speed", "'2'", "SECONDS:VALUE"});
-    expectFailure(with({"--speed", "0:1,,2:2"}), 2, {"--speed", "empty"});
-    expectFailure(with({"--speed", "1:1,1:2"}), 2, {"--speed", "two keyframes at 1 s"});
-    expectFailure(with({"--speed", "fast"}), 2, {"--speed", "'fast'"});
     expectFailure(with({"--speed", "3.5"}), 2, {"--speed", "3.5", "0 to 3"});
-    expectFailure(with({"--speed", "0:1,2:-0.25"}), 2, {"--speed", "-0.25", "0 to 3"});
-    expectFailure(with({"--depth", "12"}), 2, {"--depth", "'12'"});
     expectFailure(with({"--time", "soon"}), 2, {"--time", "'soon'"});
     expectFailure(with({"--time-offset", "1"}), 2, {"--time-offset", "single picture"});
     expectFailure(with({"--frames", "1:10"}), 2, {"--frames", "in.png"});
@@ -88,8 +88,6 @@ TEST_F(FailureTest, OptionValuesThatMakeNoSense)
                   {"'nosuchcodec'"});
     expectFailure({"render", path("in.png"), path("out.mp4"), "--codec", "aac"}, 2,
                   {"'aac'", "not a video"});
-    expectFailure({"render", path("in.png"), path("out.mp4"), "--fps", "fast"}, 2,
-                  {"--fps", "'fast'"});
     expectFailure({"render", path("in.png")}, 2, {"output"});
     expectFailure({"spin"}, 2, {"'spin'"});
     expectFailure(with({"--bogus"}), 2, {"'--bogus'"});
@@ -126,28 +124,25 @@ TEST_F(FailureTest, OutputsThatCannotBeWritten)
 
 TEST_F(FailureTest, ModulesThatDoNotLoadOrFail)
 {
-    const ToolResult missing =
-        run({"render", path("in.png"), path("out.png"), "--plugin", path("gone.so")});
-    EXPECT_EQ(missing.exitCode, 1);
-    EXPECT_THAT(missing.err, AllOf(HasSubstr("gone.so"), HasSubstr("cannot load")));
-    const ToolResult notModule =
-        run({"render", path("in.png"), path("out.png"), "--plugin", path("in.png")});
-    EXPECT_EQ(notModule.exitCode, 1);
-    EXPECT_THAT(notModule.err, HasSubstr("in.png"));
-    EXPECT_EQ(files(), mInputs);
+    expectFailure(run(with({"--plugin", path("gone.so")})), 1, {"gone.so", "cannot load"});
+    expectFailure(run(with({"--plugin", path("in.png")})), 1, {"in.png"});
 
-    const std::vector<std::string> render{"render", path("in.png"), path("out.png")};
-    expectFailure(render, 1, {"GlobalSetup", "out of memory"},
+    expectFailure(with({}), 1, {"GlobalSetup", "out of memory"},
                   {{"QUORVEX_FAKE_SETUP_STATUS", "4"}});
-    expectFailure(render, 1, {"in.png", "out of memory (error 4)"},
-                  {{"QUORVEX_FAKE_RENDER_STATUS", "4"}});
-    expectFailure(render, 1, {"suite", "(error 13)"}, {{"QUORVEX_FAKE_RENDER_STATUS", "13"}});
-    expectFailure(render, 1, {"bad callback parameter (error 516)"},
-                  {{"QUORVEX_FAKE_RENDER_STATUS", "516"}});
-    expectFailure(render, 1, {"error 77"}, {{"QUORVEX_FAKE_RENDER_STATUS", "77"}});
+    // A status from rendering is named in words where it has a name.
+    const struct {
+        const char* status;
+        std::vector<std::string> words;
+    } statuses[] = {{"4", {"in.png", "out of memory (error 4)"}},
+                    {"13", {"suite", "(error 13)"}},
+                    {"516", {"bad callback parameter (error 516)"}},
+                    {"77", {"error 77"}}};
+    for (const auto& status : statuses) {
+        expectFailure(with({}), 1, status.words, {{"QUORVEX_FAKE_RENDER_STATUS", status.status}});
+    }
     // The module says what the limit is; the program names the frame and
     // its size.
-    expectFailure(render, 1, {"larger than the GL limits", "20x10", "in.png"},
+    expectFailure(with({}), 1, {"larger than the GL limits", "20x10", "in.png"},
                   {{"QUORVEX_FAKE_MAX_PIXELS", "199"}}, 2);
 }
 

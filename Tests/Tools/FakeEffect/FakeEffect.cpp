@@ -11,8 +11,8 @@
 //                                 line on standard error, as frames beyond
 //                                 the GL limits do
 //   QUORVEX_FAKE_GL_REPORT=1      GlobalSetup prints an OpenGL report on
-//                                 standard output, as a module with a
-//                                 context does
+//                                 standard output after a line of its
+//                                 own, as a module with a context does
 //   QUORVEX_FAKE_FRAME_DELAY_MS=N each frame takes N milliseconds
 //   QUORVEX_FAKE_LOG=PATH         appends a line per command to PATH
 #include "BasicSuite.h"
@@ -21,7 +21,6 @@
 #include "FakeEffectFormula.h"
 
 #include <chrono>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -43,22 +42,20 @@ long EnvironmentNumber(const char* name, long fallback)
     return text && *text ? std::strtol(text, nullptr, 10) : fallback;
 }
 
-void Log(const char* format, ...) __attribute__((format(printf, 1, 2)));
-
-void Log(const char* format, ...)
+// A line per command, with the frame's time where the command has one.
+void Log(const char* command, const PF_InData* in_data = nullptr)
 {
     const char* path = std::getenv("QUORVEX_FAKE_LOG");
-    if (!path || !*path) {
+    std::FILE* file = path && *path ? std::fopen(path, "a") : nullptr;
+    if (!file) {
         return;
     }
-    if (std::FILE* file = std::fopen(path, "a")) {
-        va_list arguments;
-        va_start(arguments, format);
-        std::vfprintf(file, format, arguments);
-        va_end(arguments);
-        std::fputc('\n', file);
-        std::fclose(file);
+    if (in_data) {
+        std::fprintf(file, "%s %d/%u\n", command, in_data->current_time, in_data->time_scale);
+    } else {
+        std::fprintf(file, "%s\n", command);
     }
+    std::fclose(file);
 }
 
 PF_Err About(PF_InData* in_data, PF_OutData* out_data)
@@ -74,9 +71,9 @@ PF_Err GlobalSetup(PF_OutData* out_data)
     out_data->out_flags = PF_OutFlag_DEEP_COLOR_AWARE;
     out_data->out_flags2 = PF_OutFlag2_SUPPORTS_SMART_RENDER | PF_OutFlag2_FLOAT_COLOR_AWARE;
     if (std::getenv("QUORVEX_FAKE_GL_REPORT")) {
-        std::printf(
-            "\nOpenGL Version:  3.3 (Core Profile) Fake 1.0\nOpenGL Vendor:   Fake Vendor\n"
-            "OpenGL Renderer: fakepipe (no pixels harmed)\nOpenGL Revision: 42 (gl.xml)\n\n");
+        std::printf("shader cache ready\n\nOpenGL Version:  3.3 (Core Profile) Fake 1.0\n"
+                    "OpenGL Vendor:   Fake Vendor\nOpenGL Renderer: fakepipe (no pixels harmed)\n"
+                    "OpenGL Revision: 42 (gl.xml)\n\n");
     }
     return static_cast<PF_Err>(EnvironmentNumber("QUORVEX_FAKE_SETUP_STATUS", PF_Err_NONE));
 }
@@ -112,7 +109,7 @@ PF_Err ParamsSetup(PF_InData* in_data, PF_OutData* out_data)
 
 PF_Err SmartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra)
 {
-    Log("SmartPreRender %d/%u", in_data->current_time, in_data->time_scale);
+    Log("SmartPreRender", in_data);
     PF_RenderRequest request = extra->input->output_request;
     PF_CheckoutResult result;
     std::memset(&result, 0, sizeof(result));
@@ -126,23 +123,17 @@ PF_Err SmartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra)
     return PF_Err_NONE;
 }
 
-PF_Err ReadParameters(PF_InData* in_data, int& glitchType, float& speed)
+// A parameter at the frame's time; once `err` is set, nothing is asked.
+PF_ParamDef Parameter(PF_InData* in_data, PF_ParamIndex index, PF_Err& err)
 {
     PF_ParamDef param;
     std::memset(&param, 0, sizeof(param));
-    PF_Err err =
-        in_data->inter.checkout_param(in_data->effect_ref, kGlitchTypeIndex, in_data->current_time,
-                                      in_data->time_step, in_data->time_scale, &param);
-    glitchType = param.u.pd.value;
-    in_data->inter.checkin_param(in_data->effect_ref, &param);
     if (!err) {
-        std::memset(&param, 0, sizeof(param));
-        err = in_data->inter.checkout_param(in_data->effect_ref, kSpeedIndex, in_data->current_time,
+        err = in_data->inter.checkout_param(in_data->effect_ref, index, in_data->current_time,
                                             in_data->time_step, in_data->time_scale, &param);
-        speed = static_cast<float>(param.u.fs_d.value);
         in_data->inter.checkin_param(in_data->effect_ref, &param);
     }
-    return err;
+    return param;
 }
 
 template <typename Pixel>
@@ -161,7 +152,7 @@ void Draw(PF_EffectWorld* input, PF_EffectWorld* output, int glitchType, int tim
 
 PF_Err SmartRender(PF_InData* in_data, PF_SmartRenderExtra* extra)
 {
-    Log("SmartRender %d/%u", in_data->current_time, in_data->time_scale);
+    Log("SmartRender", in_data);
     ++gRenderedFrames;
     if (const long delay = EnvironmentNumber("QUORVEX_FAKE_FRAME_DELAY_MS", 0)) {
         std::this_thread::sleep_for(std::chrono::milliseconds(delay));
@@ -203,9 +194,10 @@ PF_Err SmartRender(PF_InData* in_data, PF_SmartRenderExtra* extra)
         return formatErr;
     }
 
-    int glitchType = 0;
-    float speed = 0.0f;
-    if (const PF_Err err = ReadParameters(in_data, glitchType, speed)) {
+    PF_Err err = PF_Err_NONE;
+    const int glitchType = Parameter(in_data, kGlitchTypeIndex, err).u.pd.value;
+    const auto speed = static_cast<float>(Parameter(in_data, kSpeedIndex, err).u.fs_d.value);
+    if (err) {
         return err;
     }
     const int timeStep =

@@ -53,22 +53,26 @@ void Encode(AVCodecContext* encoder, AVFrame* frame, AVStream* stream, AVFormatC
     av_packet_free(&packet);
 }
 
+// The file's own range of a sample type: integers count steps, floats are 0..1.
+double ScaleOf(OIIO::TypeDesc format)
+{
+    return format == OIIO::TypeDesc::UINT8    ? 255.0
+           : format == OIIO::TypeDesc::UINT16 ? 65535.0
+                                              : 1.0;
+}
+
 }  // namespace
 
 void TestMedia::writePicture(const std::string& path, int width, int height, int channels,
                              OIIO::TypeDesc format, const SampleFunction& sample)
 {
-    std::vector<double> values(static_cast<std::size_t>(width) * height * channels);
-    const double scale = format == OIIO::TypeDesc::UINT8    ? 255.0
-                         : format == OIIO::TypeDesc::UINT16 ? 65535.0
-                                                            : 1.0;
+    // Integer samples travel as exact fractions and come back rounded to
+    // themselves.
+    std::vector<double> values;
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
             for (int c = 0; c < channels; ++c) {
-                // Integer samples travel as exact fractions and come back
-                // rounded to themselves.
-                values[(static_cast<std::size_t>(y) * width + x) * channels + c] =
-                    sample(x, y, c) / scale;
+                values.push_back(sample(x, y, c) / ScaleOf(format));
             }
         }
     }
@@ -96,15 +100,14 @@ PictureFile TestMedia::readPicture(const std::string& path)
     picture.height = spec.height;
     picture.channels = spec.nchannels;
     picture.format = spec.format;
-    std::vector<double> values(static_cast<std::size_t>(spec.width) * spec.height * spec.nchannels);
-    EXPECT_TRUE(input->read_image(0, 0, 0, spec.nchannels, OIIO::TypeDesc::DOUBLE, values.data()));
-    const double scale = spec.format == OIIO::TypeDesc::UINT8    ? 255.0
-                         : spec.format == OIIO::TypeDesc::UINT16 ? 65535.0
-                                                                 : 1.0;
-    for (double& value : values) {
-        value = scale == 1.0 ? value : std::round(value * scale);
+    picture.samples.resize(static_cast<std::size_t>(spec.width) * spec.height * spec.nchannels);
+    EXPECT_TRUE(input->read_image(0, 0, 0, spec.nchannels, OIIO::TypeDesc::DOUBLE,
+                                  picture.samples.data()));
+    if (const double scale = ScaleOf(spec.format); scale != 1.0) {
+        for (double& value : picture.samples) {
+            value = std::round(value * scale);
+        }
     }
-    picture.samples = std::move(values);
     return picture;
 }
 
@@ -128,20 +131,16 @@ void TestMedia::writeClip(const std::string& path, const Clip& clip, const ClipF
     // read back as 12000/1001.
     videoStream->avg_frame_rate = video->framerate;
 
-    AVCodecContext* audio = nullptr;
-    AVStream* audioStream = nullptr;
-    if (clip.audio) {
-        audio = OpenEncoder("aac", container, [](AVCodecContext* encoder) {
-            encoder->sample_fmt = AV_SAMPLE_FMT_FLTP;
-            encoder->sample_rate = 48000;
-            av_channel_layout_default(&encoder->ch_layout, 2);
-            encoder->bit_rate = 96000;
-            encoder->time_base = AVRational{1, 48000};
-        });
-        audioStream = avformat_new_stream(container, nullptr);
-        avcodec_parameters_from_context(audioStream->codecpar, audio);
-        audioStream->time_base = audio->time_base;
-    }
+    AVCodecContext* audio = OpenEncoder("aac", container, [](AVCodecContext* encoder) {
+        encoder->sample_fmt = AV_SAMPLE_FMT_FLTP;
+        encoder->sample_rate = 48000;
+        av_channel_layout_default(&encoder->ch_layout, 2);
+        encoder->bit_rate = 96000;
+        encoder->time_base = AVRational{1, 48000};
+    });
+    AVStream* audioStream = avformat_new_stream(container, nullptr);
+    avcodec_parameters_from_context(audioStream->codecpar, audio);
+    audioStream->time_base = audio->time_base;
 
     Check(avio_open(&container->pb, path.c_str(), AVIO_FLAG_WRITE), "open");
     Check(avformat_write_header(container, nullptr), "header");
@@ -168,31 +167,30 @@ void TestMedia::writeClip(const std::string& path, const Clip& clip, const ClipF
     }
     Encode(video, nullptr, videoStream, container);
 
-    if (audio) {
-        AVFrame* sound = av_frame_alloc();
-        sound->format = audio->sample_fmt;
-        sound->nb_samples = audio->frame_size;
-        av_channel_layout_copy(&sound->ch_layout, &audio->ch_layout);
-        Check(av_frame_get_buffer(sound, 0), "sound buffer");
-        const long total = 48000L * clip.frames * clip.rateDenominator / clip.rateNumerator;
-        for (long start = 0; start < total; start += audio->frame_size) {
-            Check(av_frame_make_writable(sound), "sound writable");
-            for (int channel = 0; channel < 2; ++channel) {
-                auto* samples = reinterpret_cast<float*>(sound->data[channel]);
-                for (int i = 0; i < audio->frame_size; ++i) {
-                    samples[i] = 0.25f * static_cast<float>(
-                                             std::sin((start + i) * 2 * M_PI * 440.0 / 48000.0));
-                }
+    // A 440 Hz tone as long as the video.
+    AVFrame* sound = av_frame_alloc();
+    sound->format = audio->sample_fmt;
+    sound->nb_samples = audio->frame_size;
+    av_channel_layout_copy(&sound->ch_layout, &audio->ch_layout);
+    Check(av_frame_get_buffer(sound, 0), "sound buffer");
+    const long total = 48000L * clip.frames * clip.rateDenominator / clip.rateNumerator;
+    for (long start = 0; start < total; start += audio->frame_size) {
+        Check(av_frame_make_writable(sound), "sound writable");
+        for (int channel = 0; channel < 2; ++channel) {
+            auto* samples = reinterpret_cast<float*>(sound->data[channel]);
+            for (int i = 0; i < audio->frame_size; ++i) {
+                samples[i] = 0.25f * static_cast<float>(
+                                         std::sin((start + i) * 2 * M_PI * 440.0 / 48000.0));
             }
-            sound->pts = start;
-            Encode(audio, sound, audioStream, container);
         }
-        Encode(audio, nullptr, audioStream, container);
-        av_frame_free(&sound);
+        sound->pts = start;
+        Encode(audio, sound, audioStream, container);
     }
+    Encode(audio, nullptr, audioStream, container);
 
     Check(av_write_trailer(container), "trailer");
     av_frame_free(&picture);
+    av_frame_free(&sound);
     avcodec_free_context(&video);
     avcodec_free_context(&audio);
     avio_closep(&container->pb);

@@ -45,11 +45,11 @@ public:
         int frames = 6;
         int rateNumerator = 12;
         int rateDenominator = 1;
-        bool audio = true;  // a stereo AAC track as long as the video
     };
     // The RGBA sample of channel `c` at (x, y) of frame `frame`.
     using ClipFunction = std::function<std::uint8_t(int frame, int x, int y, int c)>;
-    // Writes a lossless clip (FFV1 with alpha, in Matroska).
+    // Writes a lossless clip (FFV1 with alpha, in Matroska) with a stereo
+    // AAC track as long as the video.
     static void writeClip(const std::string& path, const Clip& clip, const ClipFunction& sample);
 };
 

@@ -2,11 +2,12 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <pty.h>
+#include <spawn.h>
 #include <stdexcept>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,15 +17,21 @@ namespace Halvane::Quorvex::Testing {
 
 namespace {
 
-int TemporaryFile()
+void Check(bool ok, const char* what)
 {
-    char name[] = "/tmp/quorvex-tool-output-XXXXXX";
-    const int fd = ::mkstemp(name);
-    if (fd < 0) {
-        throw std::runtime_error(std::string("mkstemp: ") + std::strerror(errno));
+    if (!ok) {
+        throw std::runtime_error(std::string(what) + ": " + std::strerror(errno));
     }
-    ::unlink(name);
-    return fd;
+}
+
+std::vector<char*> Pointers(std::vector<std::string>& texts)
+{
+    std::vector<char*> pointers;
+    for (std::string& text : texts) {
+        pointers.push_back(text.data());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
 }
 
 std::string ReadAll(int fd)
@@ -32,8 +39,7 @@ std::string ReadAll(int fd)
     std::string text;
     ::lseek(fd, 0, SEEK_SET);
     char buffer[4096];
-    ssize_t count = 0;
-    while ((count = ::read(fd, buffer, sizeof(buffer))) > 0) {
+    for (ssize_t count = 0; (count = ::read(fd, buffer, sizeof(buffer))) > 0;) {
         text.append(buffer, static_cast<std::size_t>(count));
     }
     return text;
@@ -41,67 +47,44 @@ std::string ReadAll(int fd)
 
 }  // namespace
 
-ToolProcess::ToolProcess(const std::vector<std::string>& arguments, const Options& options)
+ToolProcess::ToolProcess(const std::vector<std::string>& arguments,
+                         const std::map<std::string, std::string>& environment,
+                         bool errorIsTerminal)
 {
-    // Everything the child needs is made before fork: after it, only calls
-    // that are safe in a forked child.
     std::vector<std::string> argumentTexts{QUORVEX_TOOL_PATH};
     argumentTexts.insert(argumentTexts.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    for (std::string& text : argumentTexts) {
-        argv.push_back(text.data());
-    }
-    argv.push_back(nullptr);
-
-    std::map<std::string, std::string> variables;
+    std::vector<std::string> environmentTexts;
     for (char** entry = environ; *entry; ++entry) {
         const std::string text = *entry;
-        const auto equals = text.find('=');
-        if (equals != std::string::npos) {
-            variables[text.substr(0, equals)] = text.substr(equals + 1);
+        if (!environment.count(text.substr(0, text.find('=')))) {
+            environmentTexts.push_back(text);
         }
     }
-    for (const auto& [name, value] : options.environment) {
-        variables[name] = value;
-    }
-    std::vector<std::string> environmentTexts;
-    for (const auto& [name, value] : variables) {
+    for (const auto& [name, value] : environment) {
         environmentTexts.push_back(name + "=" + value);
     }
-    std::vector<char*> envp;
-    for (std::string& text : environmentTexts) {
-        envp.push_back(text.data());
-    }
-    envp.push_back(nullptr);
 
-    mOutFile = TemporaryFile();
+    mOutFile = ::memfd_create("quorvex-out", MFD_CLOEXEC);
+    Check(mOutFile >= 0, "memfd_create");
     int errorTarget = -1;
-    if (options.errorIsTerminal) {
-        int follower = -1;
-        if (::openpty(&mTerminal, &follower, nullptr, nullptr, nullptr) != 0) {
-            throw std::runtime_error(std::string("openpty: ") + std::strerror(errno));
-        }
-        errorTarget = follower;
+    if (errorIsTerminal) {
+        Check(::openpty(&mTerminal, &errorTarget, nullptr, nullptr, nullptr) == 0, "openpty");
     } else {
-        mErrFile = TemporaryFile();
-        errorTarget = mErrFile;
+        errorTarget = mErrFile = ::memfd_create("quorvex-err", MFD_CLOEXEC);
+        Check(mErrFile >= 0, "memfd_create");
     }
-
-    mPid = ::fork();
-    if (mPid == 0) {
-        ::dup2(mOutFile, STDOUT_FILENO);
-        ::dup2(errorTarget, STDERR_FILENO);
-        const int nothing = ::open("/dev/null", O_RDONLY);
-        ::dup2(nothing, STDIN_FILENO);
-        ::execve(argv[0], argv.data(), envp.data());
-        ::_exit(127);
-    }
-    if (options.errorIsTerminal) {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, mOutFile, STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, errorTarget, STDERR_FILENO);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    errno = ::posix_spawn(&mPid, argumentTexts[0].c_str(), &actions, nullptr,
+                          Pointers(argumentTexts).data(), Pointers(environmentTexts).data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (errorIsTerminal) {
         ::close(errorTarget);
     }
-    if (mPid < 0) {
-        throw std::runtime_error(std::string("fork: ") + std::strerror(errno));
-    }
+    Check(errno == 0, "posix_spawn");
 }
 
 ToolProcess::~ToolProcess()
@@ -119,9 +102,7 @@ ToolProcess::~ToolProcess()
 
 void ToolProcess::sendSignal(int signal)
 {
-    if (mPid > 0) {
-        ::kill(mPid, signal);
-    }
+    ::kill(mPid, signal);
 }
 
 ToolResult ToolProcess::wait()
@@ -135,9 +116,7 @@ ToolResult ToolProcess::wait()
             const ssize_t count = ::read(mTerminal, buffer, sizeof(buffer));
             if (count > 0) {
                 result.err.append(buffer, static_cast<std::size_t>(count));
-            } else if (count < 0 && errno == EINTR) {
-                continue;
-            } else {
+            } else if (count == 0 || errno != EINTR) {
                 break;
             }
         }
@@ -152,12 +131,6 @@ ToolResult ToolProcess::wait()
         result.err = ReadAll(mErrFile);
     }
     return result;
-}
-
-ToolResult ToolProcess::run(const std::vector<std::string>& arguments, const Options& options)
-{
-    ToolProcess process(arguments, options);
-    return process.wait();
 }
 
 }  // namespace Halvane::Quorvex::Testing

@@ -19,12 +19,9 @@ struct ToolResult {
 // what users see at one.
 class ToolProcess {
 public:
-    struct Options {
-        std::map<std::string, std::string> environment;  // added to the test's own
-        bool errorIsTerminal = false;
-    };
-
-    ToolProcess(const std::vector<std::string>& arguments, const Options& options);
+    // `environment` is added to the test's own.
+    ToolProcess(const std::vector<std::string>& arguments,
+                const std::map<std::string, std::string>& environment, bool errorIsTerminal);
     // Kills the program if it still runs.
     ~ToolProcess();
 
@@ -33,8 +30,6 @@ public:
 
     void sendSignal(int signal);
     ToolResult wait();
-
-    static ToolResult run(const std::vector<std::string>& arguments, const Options& options);
 
 private:
     pid_t mPid = -1;

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 namespace Halvane::Quorvex::Testing {
 
@@ -32,24 +33,29 @@ std::set<std::string> ToolTest::files() const
     return names;
 }
 
-ToolResult ToolTest::runFake(std::vector<std::string> arguments,
-                             const std::map<std::string, std::string>& environment,
-                             bool errorIsTerminal) const
+std::vector<std::string> ToolTest::lines(const std::string& name) const
 {
-    arguments.push_back("--plugin");
-    arguments.push_back(QUORVEX_FAKE_EFFECT_PATH);
-    ToolProcess::Options options;
-    options.environment = environment;
-    options.errorIsTerminal = errorIsTerminal;
-    return ToolProcess::run(arguments, options);
+    std::vector<std::string> found;
+    std::ifstream file(path(name));
+    for (std::string line; std::getline(file, line);) {
+        found.push_back(line);
+    }
+    return found;
 }
 
 ToolResult ToolTest::run(const std::vector<std::string>& arguments,
-                         const std::map<std::string, std::string>& environment) const
+                         const std::map<std::string, std::string>& environment,
+                         bool errorIsTerminal)
 {
-    ToolProcess::Options options;
-    options.environment = environment;
-    return ToolProcess::run(arguments, options);
+    return ToolProcess(arguments, environment, errorIsTerminal).wait();
+}
+
+ToolResult ToolTest::runFake(std::vector<std::string> arguments,
+                             const std::map<std::string, std::string>& environment,
+                             bool errorIsTerminal)
+{
+    arguments.insert(arguments.end(), {"--plugin", QUORVEX_FAKE_EFFECT_PATH});
+    return run(arguments, environment, errorIsTerminal);
 }
 
 ::testing::AssertionResult Succeeded(const ToolResult& result)
@@ -57,9 +63,8 @@ ToolResult ToolTest::run(const std::vector<std::string>& arguments,
     if (result.exitCode == 0) {
         return ::testing::AssertionSuccess();
     }
-    return ::testing::AssertionFailure()
-           << "exit code " << result.exitCode << "\nstderr: " << result.err
-           << "\nstdout: " << result.out;
+    return ::testing::AssertionFailure() << "exit code " << result.exitCode << "\nstderr: "
+                                         << result.err << "\nstdout: " << result.out;
 }
 
 }  // namespace Halvane::Quorvex::Testing

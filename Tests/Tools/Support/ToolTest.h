@@ -12,7 +12,7 @@
 namespace Halvane::Quorvex::Testing {
 
 // A test that runs the built quorvex program in a folder of its own, which
-// is removed afterwards. By default the program drives the fake effect.
+// is removed afterwards.
 class ToolTest : public ::testing::Test {
 protected:
     void SetUp() override;
@@ -22,14 +22,17 @@ protected:
     std::string path(const std::string& name) const;
     // The names of the files in the test's folder (hidden ones included).
     std::set<std::string> files() const;
+    // The lines of a text file in the test's folder.
+    std::vector<std::string> lines(const std::string& name) const;
 
-    // Runs `quorvex ARGUMENTS --plugin <fake effect>`.
-    ToolResult runFake(std::vector<std::string> arguments,
-                       const std::map<std::string, std::string>& environment = {},
-                       bool errorIsTerminal = false) const;
     // Runs `quorvex ARGUMENTS` as given.
-    ToolResult run(const std::vector<std::string>& arguments,
-                   const std::map<std::string, std::string>& environment = {}) const;
+    static ToolResult run(const std::vector<std::string>& arguments,
+                          const std::map<std::string, std::string>& environment = {},
+                          bool errorIsTerminal = false);
+    // Runs `quorvex ARGUMENTS --plugin <fake effect>`.
+    static ToolResult runFake(std::vector<std::string> arguments,
+                              const std::map<std::string, std::string>& environment = {},
+                              bool errorIsTerminal = false);
 
     std::string mFolder;
 };
