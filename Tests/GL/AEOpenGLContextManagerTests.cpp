@@ -65,23 +65,12 @@ private:
     std::vector<GLPlatform::ContextId> mDestroyed;
 };
 
-TEST_F(AEOpenGLContextManagerTest, SetUpLeavesTheSharedDataContextCurrentAndReleaseClearsIt)
+TEST_F(AEOpenGLContextManagerTest, ThreadsGetTheirOwnContextOnceAndReleaseGoesInTheirOrderSharedLast)
 {
     AEOpenGLContextManager::setupContextManager();
     AEOpenGLContext* shared = AEOpenGLContextManager::getSharedDataContext();
     ASSERT_NE(shared, nullptr);
     EXPECT_EQ(GLPlatform::currentHandle(), shared->cglContext());
-
-    AEOpenGLContextManager::releaseContextManager();
-
-    EXPECT_EQ(AEOpenGLContextManager::getSharedDataContext(), nullptr);
-    EXPECT_EQ(destroyed().size(), 1u);
-}
-
-TEST_F(AEOpenGLContextManagerTest, ThreadsGetTheirOwnContextOnceAndReleaseGoesInTheirOrderSharedLast)
-{
-    AEOpenGLContextManager::setupContextManager();
-    const auto shared = idOf(AEOpenGLContextManager::getSharedDataContext());
     const auto live = GLPlatform::liveContextCount();
 
     AEOpenGLContext* main = AEOpenGLContextManager::getCurrentRenderContext();
@@ -92,11 +81,19 @@ TEST_F(AEOpenGLContextManagerTest, ThreadsGetTheirOwnContextOnceAndReleaseGoesIn
     EXPECT_NE(first, main);
     EXPECT_NE(second, first);
     EXPECT_EQ(GLPlatform::liveContextCount(), live + 3);
-    const std::vector<GLPlatform::ContextId> expected{idOf(main), idOf(first), idOf(second), shared};
+    const std::vector<GLPlatform::ContextId> expected{idOf(main), idOf(first), idOf(second), idOf(shared)};
 
     AEOpenGLContextManager::releaseContextManager();
 
     EXPECT_EQ(destroyed(), expected);
+    EXPECT_EQ(AEOpenGLContextManager::getSharedDataContext(), nullptr);
+
+    // This thread's context went with the release: a new one is made.
+    AEOpenGLContextManager::setupContextManager();
+    AEOpenGLContext* again = AEOpenGLContextManager::getCurrentRenderContext();
+    ASSERT_NE(again, nullptr);
+    EXPECT_NE(idOf(again), expected[0]);
+    EXPECT_EQ(GLPlatform::currentHandle(), again->cglContext());
 }
 
 TEST_F(AEOpenGLContextManagerTest, AThreadDrawsWithATextureThatAnotherThreadMade)
@@ -139,20 +136,6 @@ TEST_F(AEOpenGLContextManagerTest, WithoutASharedDataContextARenderContextStands
     ASSERT_NE(context, nullptr);
     EXPECT_EQ(current, idOf(context));
     EXPECT_NE(texture, 0u);
-}
-
-TEST_F(AEOpenGLContextManagerTest, AThreadWhoseContextWasReleasedGetsANewOne)
-{
-    AEOpenGLContextManager::setupContextManager();
-    const auto before = idOf(AEOpenGLContextManager::getCurrentRenderContext());
-    AEOpenGLContextManager::releaseContextManager();
-    AEOpenGLContextManager::setupContextManager();
-
-    AEOpenGLContext* again = AEOpenGLContextManager::getCurrentRenderContext();
-
-    ASSERT_NE(again, nullptr);
-    EXPECT_NE(idOf(again), before);
-    EXPECT_EQ(GLPlatform::currentHandle(), again->cglContext());
 }
 
 TEST_F(AEOpenGLContextManagerTest, AFailedCreationLeavesTheManagerUsable)

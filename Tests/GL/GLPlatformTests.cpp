@@ -10,35 +10,28 @@
 namespace Halvane::Quorvex::Testing {
 namespace {
 
-class GLPlatformTest : public GLContextTest {};
+using GLPlatformTest = GLContextTest;
 
-TEST_F(GLPlatformTest, CreatingAContextLeavesTheCurrentOneAlone)
-{
-    GLPlatform::OwnedContext context = GLPlatform::createContext(nullptr);
-
-    EXPECT_TRUE(hostIsCurrent());
-    EXPECT_EQ(GLPlatform::currentContextId(), 0u) << "the host's context is not the layer's";
-
-    GLPlatform::makeCurrent(context.get());
-    EXPECT_EQ(GLPlatform::currentHandle(), GLPlatform::handle(context.get()));
-    EXPECT_EQ(GLPlatform::currentContextId(), GLPlatform::id(context.get()));
-    EXPECT_EQ(GLPlatform::currentBinding().drawSurface, nullptr);
-
-    GLPlatform::makeCurrent(hostBinding());
-    EXPECT_TRUE(hostIsCurrent());
-    GLPlatform::makeCurrent(GLPlatform::CurrentBinding{});
-    EXPECT_EQ(GLPlatform::currentHandle(), nullptr);
-}
-
-TEST_F(GLPlatformTest, IdsAreNeverHandedOutTwice)
+TEST_F(GLPlatformTest, CreatingAContextLeavesTheCurrentOneAloneAndGivesAnIdNeverSeenBefore)
 {
     std::set<GLPlatform::ContextId> ids;
     for (int round = 0; round < 8; ++round) {
         GLPlatform::OwnedContext context = GLPlatform::createContext(nullptr);
+        EXPECT_TRUE(hostIsCurrent());
+        EXPECT_EQ(GLPlatform::currentContextId(), 0u) << "the host's context is not the layer's";
         EXPECT_NE(GLPlatform::id(context.get()), 0u);
         ids.insert(GLPlatform::id(context.get()));
+
+        GLPlatform::makeCurrent(context.get());
+        EXPECT_EQ(GLPlatform::currentHandle(), GLPlatform::handle(context.get()));
+        EXPECT_EQ(GLPlatform::currentContextId(), GLPlatform::id(context.get()));
+        EXPECT_EQ(GLPlatform::currentBinding().drawSurface, nullptr);
+        GLPlatform::makeCurrent(hostBinding());
+        EXPECT_TRUE(hostIsCurrent());
     }
-    EXPECT_EQ(ids.size(), 8u);
+    EXPECT_EQ(ids.size(), 8u) << "an id was handed out twice";
+    GLPlatform::makeCurrent(GLPlatform::CurrentBinding{});
+    EXPECT_EQ(GLPlatform::currentHandle(), nullptr);
 }
 
 TEST_F(GLPlatformTest, ARefusalNamesTheCallAndTheError)

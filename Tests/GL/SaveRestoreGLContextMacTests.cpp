@@ -8,58 +8,50 @@
 namespace Halvane::Quorvex::Testing {
 namespace {
 
-class SaveRestoreGLContextMacTest : public GLContextTest {};
+using SaveRestoreGLContextMacTest = GLContextTest;
 
-TEST_F(SaveRestoreGLContextMacTest, RestoreGivesTheHostItsContextAndSurfacesBack)
+TEST_F(SaveRestoreGLContextMacTest, RestoreGivesTheHostItsContextAndSurfacesBackOnce)
 {
-    SaveRestoreGLContextMac saver;
-    EXPECT_EQ(saver.context(), hostBinding());
-    EXPECT_EQ(saver.rc(), hostHandle());
-
     AEOpenGLContext plugin(nullptr);
-    ASSERT_FALSE(hostIsCurrent());
-    saver.restore();
+    makeHostCurrent();
+    {
+        SaveRestoreGLContextMac saver;
+        EXPECT_EQ(saver.context(), hostBinding());
+        EXPECT_EQ(saver.rc(), hostHandle());
+        plugin.makeContextCurrent();
+        ASSERT_FALSE(hostIsCurrent());
 
-    EXPECT_TRUE(hostIsCurrent());
-    EXPECT_TRUE(saver.restored());
+        saver.restore();
+        EXPECT_TRUE(hostIsCurrent());
+        EXPECT_TRUE(saver.restored());
+
+        // Neither a second restore nor the destructor's puts the host back again.
+        plugin.makeContextCurrent();
+        saver.restore();
+        EXPECT_EQ(GLPlatform::currentHandle(), plugin.cglContext()) << "restored a second time";
+    }
+    EXPECT_EQ(GLPlatform::currentHandle(), plugin.cglContext()) << "the destructor restored again";
 }
 
-TEST_F(SaveRestoreGLContextMacTest, RestoresAtMostOnce)
+TEST_F(SaveRestoreGLContextMacTest, RestoreSwitchesNothingWhileTheHostsContextIsCurrentOrWhenThereWasNone)
 {
-    SaveRestoreGLContextMac saver;
-    AEOpenGLContext plugin(nullptr);
-    saver.restore();
-    plugin.makeContextCurrent();
+    {
+        SaveRestoreGLContextMac saver;
+        const auto switches = GLPlatform::makeCurrentCount();
+        GLCallLog log;
+        saver.restore();
+        EXPECT_EQ(GLPlatform::makeCurrentCount(), switches);
+        EXPECT_TRUE(log.names().empty()) << "GL was called, a flush perhaps";
+        EXPECT_TRUE(saver.restored());
+        EXPECT_TRUE(hostIsCurrent());
+    }
 
-    saver.restore();
-
-    EXPECT_EQ(GLPlatform::currentHandle(), plugin.cglContext());
-}
-
-TEST_F(SaveRestoreGLContextMacTest, AContextStillCurrentIsLeftUntouched)
-{
-    SaveRestoreGLContextMac saver;
-    const auto switches = GLPlatform::makeCurrentCount();
-    GLCallLog log;
-
-    saver.restore();
-
-    EXPECT_EQ(GLPlatform::makeCurrentCount(), switches);
-    EXPECT_TRUE(log.calls().empty()) << "GL was called, a flush perhaps";
-    EXPECT_TRUE(saver.restored());
-    EXPECT_TRUE(hostIsCurrent());
-}
-
-TEST_F(SaveRestoreGLContextMacTest, WithNothingCurrentAtTheStartNothingIsRestored)
-{
     releaseCurrent();
     SaveRestoreGLContextMac saver;
     EXPECT_EQ(saver.rc(), nullptr);
     AEOpenGLContext plugin(nullptr);
     const auto switches = GLPlatform::makeCurrentCount();
-
     saver.restore();
-
     EXPECT_EQ(GLPlatform::makeCurrentCount(), switches);
     EXPECT_EQ(GLPlatform::currentHandle(), plugin.cglContext());
 }
@@ -73,15 +65,6 @@ TEST_F(SaveRestoreGLContextMacTest, ASnapshotLeftByAnExceptionStillRestores)
     } catch (int) {
     }
     EXPECT_TRUE(hostIsCurrent());
-
-    AEOpenGLContext plugin(nullptr);
-    {
-        SaveRestoreGLContextMac saver;
-        makeHostCurrent();
-        saver.restore();
-        plugin.makeContextCurrent();
-    }
-    EXPECT_EQ(GLPlatform::currentHandle(), plugin.cglContext()) << "restored a second time";
 }
 
 }  // namespace

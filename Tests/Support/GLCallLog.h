@@ -7,7 +7,6 @@
 #include <glbinding/FunctionCall.h>
 #include <glbinding/callbacks.h>
 
-#include <algorithm>
 #include <atomic>
 #include <mutex>
 #include <string>
@@ -32,7 +31,14 @@ public:
 
     GLCallLog()
     {
-        watchContextSwitches();
+        static std::once_flag once;
+        std::call_once(once, [] {
+            glbinding::Binding::addContextSwitchCallback([](glbinding::ContextHandle) {
+                if (sActive.load() != nullptr) {
+                    glbinding::addCallbackMask(kMask);
+                }
+            });
+        });
         sActive.store(this);
         glbinding::setAfterCallback([](const glbinding::FunctionCall& call) {
             if (GLCallLog* log = sActive.load()) {
@@ -51,28 +57,24 @@ public:
     GLCallLog(const GLCallLog&) = delete;
     GLCallLog& operator=(const GLCallLog&) = delete;
 
-    std::vector<Call> calls() const
+    // The calls of `name`, or every call for an empty name.
+    std::vector<Call> callsOf(const std::string& name = {}) const
     {
         std::lock_guard<std::mutex> lock(mMutex);
-        return mCalls;
+        std::vector<Call> result;
+        for (const Call& call : mCalls) {
+            if (name.empty() || call.name == name) {
+                result.push_back(call);
+            }
+        }
+        return result;
     }
 
     std::vector<std::string> names() const
     {
         std::vector<std::string> result;
-        for (const Call& call : calls()) {
+        for (const Call& call : callsOf()) {
             result.push_back(call.name);
-        }
-        return result;
-    }
-
-    std::vector<Call> callsOf(const std::string& name) const
-    {
-        std::vector<Call> result;
-        for (const Call& call : calls()) {
-            if (call.name == name) {
-                result.push_back(call);
-            }
         }
         return result;
     }
@@ -101,26 +103,11 @@ private:
         static_cast<unsigned char>(glbinding::CallbackMask::After) |
         static_cast<unsigned char>(glbinding::CallbackMask::ParametersAndReturnValue));
 
-    static void watchContextSwitches()
-    {
-        static std::once_flag once;
-        std::call_once(once, [] {
-            glbinding::Binding::addContextSwitchCallback([](glbinding::ContextHandle) {
-                if (sActive.load() != nullptr) {
-                    glbinding::addCallbackMask(kMask);
-                }
-            });
-        });
-    }
-
     void record(const glbinding::FunctionCall& call)
     {
-        Call entry{call.function->name(), {}, {}};
+        Call entry{call.function->name(), {}, call.returnValue ? call.returnValue->asString() : std::string()};
         for (const glbinding::AbstractValue* value : call.parameters) {
             entry.arguments.push_back(value->asString());
-        }
-        if (call.returnValue != nullptr) {
-            entry.result = call.returnValue->asString();
         }
         std::lock_guard<std::mutex> lock(mMutex);
         mCalls.push_back(std::move(entry));
