@@ -1,7 +1,6 @@
 // Whole frames as the effect runs them (prepare, beginDrawing, upload, a
 // draw that changes nothing, endDrawing, download) on llvmpipe: the picture
-// comes back at every depth, on any thread's context, and after the GL
-// runtime was set down and up again.
+// comes back at every depth and row layout, and on any thread's context.
 #include "RenderContextTest.h"
 
 #include <gmock/gmock.h>
@@ -17,9 +16,9 @@ namespace {
 using Host::World;
 
 // Opaque pixels with distinct colours in every row and column, the first
-// one the host's white (16-bit white, 32768, must come back exactly); every fourth pixel half transparent and every fifth
-// fully transparent with colour left in it. Float pixels of column 1 go
-// beyond white.
+// one the host's white (16-bit white, 32768, must come back exactly); every
+// fourth pixel partly transparent and every fifth fully transparent with
+// colour left in it. Float pixels of column 1 go beyond white.
 double Picture(PF_PixelFormat format, A_long x, A_long y, int channel)
 {
     const A_long index = x + y * 7;
@@ -34,23 +33,29 @@ double Picture(PF_PixelFormat format, A_long x, A_long y, int channel)
 
 class FrameTest : public RenderContextTest {
 protected:
-    // The frame as the host would see it: transparent pixels lose their
-    // colour, values are clamped to white, and partly transparent colours
-    // are as exact as premultiplying in the target allows.
+    static constexpr double kMarker = 0.2;
+
+    // Where the output has the frame's pixels, the frame as the host would
+    // see it: transparent pixels lose their colour, values are clamped to
+    // white, and partly transparent colours are as exact as premultiplying in
+    // the target allows. Output pixels beyond the frame keep their marker.
     static void expectFrameOf(World& input, World& output)
     {
-        const PF_PixelFormat format = input.format();
-        const double white = HostPixels::white(format);
-        const bool isFloat = format == PF_PixelFormat_ARGB128;
+        const double white = HostPixels::white(input.format());
+        const bool isFloat = input.format() == PF_PixelFormat_ARGB128;
         ASSERT_TRUE(output.paddingIntact()) << "a row's padding was written";
         int mismatches = 0;
-        for (A_long y = 0; y < input.height(); ++y) {
-            for (A_long x = 0; x < input.width(); ++x) {
-                const double alpha = HostPixels::get(input, x, y, 0);
+        for (A_long y = 0; y < output.height(); ++y) {
+            for (A_long x = 0; x < output.width(); ++x) {
+                const bool inFrame = x < input.width() && y < input.height();
+                const double alpha = inFrame ? HostPixels::get(input, x, y, 0) : 0.0;
                 for (int channel = 0; channel < 4 && mismatches < 8; ++channel) {
-                    const double value = HostPixels::get(input, x, y, channel);
-                    const double expected = alpha == 0.0 ? 0.0 : std::clamp(value, 0.0, 1.0);
-                    const double tolerance = isFloat ? (alpha == 1.0 ? 2e-5 : 1e-4) : (alpha == 1.0 ? 0.0 : 1.0 / white);
+                    double expected = kMarker;
+                    double tolerance = 0.5 / white;
+                    if (inFrame) {
+                        expected = alpha == 0.0 ? 0.0 : std::clamp(HostPixels::get(input, x, y, channel), 0.0, 1.0);
+                        tolerance = isFloat ? (alpha == 1.0 ? 2e-5 : 1e-4) : (alpha == 1.0 ? 0.0 : 1.0 / white);
+                    }
                     const double actual = HostPixels::get(output, x, y, channel);
                     if (std::abs(actual - expected) > tolerance + 1e-9) {
                         ++mismatches;
@@ -62,25 +67,33 @@ protected:
         }
     }
 
-    // A picture of `width` by `height` pixels, its frame run, and the result
-    // checked.
-    void expectRoundTrip(PF_PixelFormat format, A_long width, A_long height)
+    // A picture of `width` by `height` pixels, its frame run into an output
+    // that is `grow` pixels wider and taller (or smaller, if negative), and
+    // the result checked. Rows whose padding is not a whole number of pixels
+    // go to GL one at a time, the others at once.
+    void expectRoundTrip(PF_PixelFormat format, A_long width, A_long height, A_long padding = 0, A_long grow = 0)
     {
-        SCOPED_TRACE(std::to_string(width) + "x" + std::to_string(height));
-        World input(width, height, format, 3 * static_cast<A_long>(World::pixelSize(format)));
-        World output(width, height, format, 40);
+        SCOPED_TRACE(std::to_string(width) + "x" + std::to_string(height) + " padded " + std::to_string(padding) +
+                     " into " + std::to_string(grow) + " more");
+        World input(width, height, format, padding);
+        World output(width + grow, height + grow, format, 40);
         HostPixels::fill(input, [&](A_long x, A_long y, int channel) { return Picture(format, x, y, channel); });
+        HostPixels::fill(output, [](A_long, A_long, int) { return kMarker; });
         runFrame(input, output);
         EXPECT_EQ(glGetError(), GL_NO_ERROR);
+        EXPECT_EQ(integer(GL_UNPACK_ROW_LENGTH), 0);
         expectFrameOf(input, output);
     }
 };
 
 class DepthTest : public FrameTest, public ::testing::WithParamInterface<PF_PixelFormat> {};
 
-TEST_P(DepthTest, AFrameComesBackUprightAndUnchanged)
+TEST_P(DepthTest, AFrameComesBackUprightAndUnchangedAsFarAsTheOutputReaches)
 {
-    expectRoundTrip(GetParam(), 7, 5);
+    const A_long pixelSize = static_cast<A_long>(World::pixelSize(GetParam()));
+    expectRoundTrip(GetParam(), 7, 5, 3 * pixelSize, 2);
+    expectRoundTrip(GetParam(), 7, 5, pixelSize / 2 + 1, -2);
+    expectRoundTrip(GetParam(), 7, 5, 0, -5);
     EXPECT_EQ(mHost.suites().outstanding(), 0u);
     EXPECT_EQ(mHost.handles().openHandles(), 0u);
     EXPECT_THAT(frame().renderBufferStack(), ::testing::IsEmpty());
@@ -91,8 +104,9 @@ INSTANTIATE_TEST_SUITE_P(Depths, DepthTest,
 
 TEST_F(FrameTest, FramesOnOtherThreadsDrawIntoTheirOwnContexts)
 {
-    // Framebuffers are not shared between contexts (Mesa happens to share
-    // them, so the calls are counted as well as the pictures checked).
+    // Framebuffers and vertex arrays are not shared between contexts (Mesa
+    // happens to share framebuffers, so the calls are counted as well as the
+    // pictures checked); buffers and programs are.
     expectRoundTrip(PF_PixelFormat_ARGB32, 4, 3);
     {
         GLCallLog log;
@@ -100,6 +114,7 @@ TEST_F(FrameTest, FramesOnOtherThreadsDrawIntoTheirOwnContexts)
         EXPECT_EQ(log.count("glGenFramebuffers"), 3u) << "the other thread drew with this thread's framebuffers";
         EXPECT_EQ(log.count("glDeleteFramebuffers"), 0u);
         EXPECT_EQ(log.count("glGenVertexArrays"), 2u) << "one for each pass";
+        EXPECT_EQ(log.count("glGenBuffers") + log.count("glCreateProgram"), 0u);
     }
     onAnotherThread([&] { expectRoundTrip(PF_PixelFormat_ARGB64, 5, 2); });
     {
@@ -111,24 +126,6 @@ TEST_F(FrameTest, FramesOnOtherThreadsDrawIntoTheirOwnContexts)
         EXPECT_EQ(log.count("glGenFramebuffers"), 3u);
     }
     expectRoundTrip(PF_PixelFormat_ARGB128, 3, 3);
-}
-
-TEST_F(FrameTest, AFrameAfterSetDownAndSetUpAgainIsDrawn)
-{
-    expectRoundTrip(PF_PixelFormat_ARGB32, 4, 3);
-    const GLuint renderBuffer = frame().renderBuffer();
-
-    // Set-down as the effect does it, then a new set-up in this process.
-    mBackground.reset();
-    AEOpenGLContextManager::getSharedDataContext()->makeContextCurrent();
-    frame().destory();
-    EXPECT_EQ(glIsRenderbuffer(renderBuffer), GL_FALSE);
-    AEOpenGLContextManager::releaseContextManager();
-    AEOpenGLContextManager::setupContextManager();
-    AEOpenGLContextManager::getCurrentRenderContext()->makeContextCurrent();
-    mBackground.emplace();
-
-    expectRoundTrip(PF_PixelFormat_ARGB32, 4, 3);
 }
 
 }  // namespace

@@ -42,7 +42,10 @@ protected:
         if (AEOpenGLContext* shared = AEOpenGLContextManager::getSharedDataContext()) {
             shared->makeContextCurrent();
         }
-        AEOpenglMainFrameBuffer::mainFrameBuffer()->destory();
+        const gl::GLuint renderBuffer = frame().renderBuffer();
+        frame().destory();
+        EXPECT_FALSE(renderBuffer != 0 && gl::glIsRenderbuffer(renderBuffer) == gl::GL_TRUE)
+            << "set-down kept the final renderbuffer";
         AEOpenGLContextManager::releaseContextManager();
         GLContextTest::TearDown();
     }
@@ -144,43 +147,33 @@ struct HostPixels {
     }
 
     // Integer depths round to the nearest step.
-    static void set(Host::World& world, A_long x, A_long y, int channel, double value)
-    {
-        switch (world.format()) {
-        case PF_PixelFormat_ARGB32:
-            reinterpret_cast<A_u_char*>(&world.pixel8(x, y))[channel] =
-                static_cast<A_u_char>(std::lround(value * 255.0));
-            break;
-        case PF_PixelFormat_ARGB64:
-            reinterpret_cast<A_u_short*>(&world.pixel16(x, y))[channel] =
-                static_cast<A_u_short>(std::lround(value * 32768.0));
-            break;
-        default:
-            reinterpret_cast<PF_FpShort*>(&world.pixelFloat(x, y))[channel] = static_cast<PF_FpShort>(value);
-            break;
-        }
-    }
-
     static void fill(Host::World& world, const std::function<double(A_long x, A_long y, int channel)>& value)
     {
         for (A_long y = 0; y < world.height(); ++y) {
             for (A_long x = 0; x < world.width(); ++x) {
                 for (int channel = 0; channel < 4; ++channel) {
-                    set(world, x, y, channel, value(x, y, channel));
+                    const double v = value(x, y, channel);
+                    switch (world.format()) {
+                    case PF_PixelFormat_ARGB32:
+                        reinterpret_cast<A_u_char*>(&world.pixel8(x, y))[channel] =
+                            static_cast<A_u_char>(std::lround(v * 255.0));
+                        break;
+                    case PF_PixelFormat_ARGB64:
+                        reinterpret_cast<A_u_short*>(&world.pixel16(x, y))[channel] =
+                            static_cast<A_u_short>(std::lround(v * 32768.0));
+                        break;
+                    default:
+                        reinterpret_cast<PF_FpShort*>(&world.pixelFloat(x, y))[channel] = static_cast<PF_FpShort>(v);
+                    }
                 }
             }
         }
     }
 
-    // Every byte of the pixels (not the padding), row by row.
+    // Every byte of the world, padding included.
     static std::vector<unsigned char> bytes(Host::World& world)
     {
-        std::vector<unsigned char> result;
-        const std::size_t used = static_cast<std::size_t>(world.width()) * world.pixelSize();
-        for (A_long y = 0; y < world.height(); ++y) {
-            result.insert(result.end(), world.row(y), world.row(y) + used);
-        }
-        return result;
+        return {world.row(0), world.row(0) + static_cast<std::size_t>(world.rowBytes()) * world.height()};
     }
 };
 
