@@ -16,40 +16,37 @@ namespace {
 
 using Ids = std::vector<int>;
 
-TEST(IdleQueueTest, RunsOneTaskPerUpdateOldestFirst)
-{
-    IdleQueue queue;
-    Ids ran;
-    queue.updateQueue();
-    for (int i = 0; i < 3; ++i) {
-        queue.async([&ran, i] { ran.push_back(i); });
-    }
-    queue.updateQueue();
-    EXPECT_EQ(ran, Ids{0});
-    queue.updateQueue();
-    queue.updateQueue();
-    EXPECT_EQ(ran, (Ids{0, 1, 2}));
-    EXPECT_FALSE(queue.hasTask());
-    queue.updateQueue();
-    EXPECT_EQ(ran.size(), 3u);
-}
-
-TEST(IdleQueueTest, ARunningTaskIsNoLongerQueuedAndMayQueueMore)
+TEST(IdleQueueTest, RunsOneTaskPerUpdateOldestFirstAndARunningTaskMayQueueMore)
 {
     IdleQueue queue;
     Ids ran;
     bool seenWhileRunning = true;
+    queue.updateQueue();
     queue.async([&] {
         seenWhileRunning = queue.hasTask();
-        queue.async([&ran] { ran.push_back(2); });
-        ran.push_back(1);
+        queue.async([&ran] { ran.push_back(3); });
+        ran.push_back(0);
     });
+    for (int i = 1; i < 3; ++i) {
+        queue.async([&ran, i] { ran.push_back(i); });
+    }
+
     queue.updateQueue();
-    EXPECT_FALSE(seenWhileRunning);
-    EXPECT_EQ(ran, Ids{1}) << "the queued task ran within the same update";
+    EXPECT_EQ(ran, Ids{0}) << "not one task per update";
+    EXPECT_TRUE(seenWhileRunning) << "the queue looked empty while two tasks waited";
+    queue.updateQueue();
+    queue.updateQueue();
     EXPECT_TRUE(queue.hasTask());
     queue.updateQueue();
-    EXPECT_EQ(ran, (Ids{1, 2}));
+    EXPECT_EQ(ran, (Ids{0, 1, 2, 3}));
+    EXPECT_FALSE(queue.hasTask());
+    queue.updateQueue();
+    EXPECT_EQ(ran.size(), 4u);
+
+    // A task being run no longer counts as waiting.
+    queue.async([&] { seenWhileRunning = queue.hasTask(); });
+    queue.updateQueue();
+    EXPECT_FALSE(seenWhileRunning);
 }
 
 TEST(IdleQueueTest, ClearingAndDestroyingDropTasksUnrun)
@@ -98,11 +95,8 @@ TEST(IdleQueueTest, ManyProducersLoseNoTaskAndKeepTheirOwnOrder)
     constexpr int kProducers = 4;
     constexpr int kTasksEach = 2000;
     IdleQueue queue;
-    // Touched only by the consumer, on this thread.
-    std::vector<Ids> ran(kProducers);
-
+    std::vector<Ids> ran(kProducers);  // touched only by the consumer, on this thread
     std::atomic<int> producing{kProducers};
-
     std::vector<std::thread> producers;
     for (int p = 0; p < kProducers; ++p) {
         producers.emplace_back([&queue, &ran, &producing, p] {
@@ -114,20 +108,17 @@ TEST(IdleQueueTest, ManyProducersLoseNoTaskAndKeepTheirOwnOrder)
     }
     // Read before hasTask: once no producer is left, an empty queue stays empty.
     for (int left = producing; left > 0 || queue.hasTask(); left = producing) {
-        if (queue.hasTask()) {
-            queue.updateQueue();
-        } else {
-            std::this_thread::yield();
-        }
+        queue.updateQueue();
     }
     for (std::thread& producer : producers) {
         producer.join();
     }
+    Ids expected(kTasksEach);
+    for (int i = 0; i < kTasksEach; ++i) {
+        expected[i] = i;
+    }
     for (int p = 0; p < kProducers; ++p) {
-        ASSERT_EQ(ran[p].size(), static_cast<std::size_t>(kTasksEach)) << "producer " << p;
-        for (int i = 0; i < kTasksEach; ++i) {
-            ASSERT_EQ(ran[p][i], i) << "producer " << p;
-        }
+        EXPECT_EQ(ran[p], expected) << "producer " << p;
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "AEGPSuites.h"
 #include "Runtime/HostRuntime.h"
+#include "SuiteLog.h"
 
 #include <gtest/gtest.h>
 
@@ -16,19 +17,9 @@ namespace {
 using Host::HostCall;
 using Host::HostRuntime;
 using Host::SuiteFailure;
-using Event = Host::SuiteRegistry::Event;
+using Lines = std::vector<std::string>;
 using ScriptHelper::RunSriptAndGetStringResult;
 using ScriptHelper::TrimStringWhiteSpaces;
-
-struct Logged {
-    Event event;
-    std::string name;
-    A_long version;
-    bool operator==(const Host::SuiteRegistry::LogEntry& entry) const
-    {
-        return event == entry.event && name == entry.name && version == entry.version;
-    }
-};
 
 class ScriptHelperTest : public ::testing::Test {
 protected:
@@ -48,33 +39,20 @@ protected:
         });
     }
 
-    void expectLog(const std::vector<Logged>& expected)
-    {
-        const auto log = host.suites().log();
-        ASSERT_EQ(log.size(), expected.size());
-        for (std::size_t i = 0; i < log.size(); ++i) {
-            EXPECT_TRUE(expected[i] == log[i]) << "entry " << i << ": " << log[i].name;
-        }
-    }
-
-    std::string run(const char* script = "app.project.numItems")
-    {
-        return RunSriptAndGetStringResult(host.basicSuite(), script);
-    }
+    std::string run() { return RunSriptAndGetStringResult(host.basicSuite(), "app.project.numItems"); }
 
     HostRuntime host;
-    std::vector<std::string> scripts;
+    Lines scripts;
 };
 
 TEST_F(ScriptHelperTest, ReturnsTheResultTextAsGivenAndReleasesTheSuitesInReverse)
 {
     answer({A_Err_NONE, std::string(" 42 \n"), std::string("ignored")});
-    EXPECT_EQ(run("app.project.numItems"), " 42 \n");
-    EXPECT_EQ(scripts, std::vector<std::string>{"app.project.numItems"});
-    expectLog({{Event::Acquired, kAEGPUtilitySuite, 11},
-               {Event::Acquired, kAEGPMemorySuite, 1},
-               {Event::Released, kAEGPMemorySuite, 1},
-               {Event::Released, kAEGPUtilitySuite, 11}});
+    EXPECT_EQ(run(), " 42 \n");
+    EXPECT_EQ(scripts, Lines{"app.project.numItems"});
+    EXPECT_EQ(suiteLog(host.suites()),
+              (Lines{"Acquired " kAEGPUtilitySuite " 11", "Acquired " kAEGPMemorySuite " 1",
+                     "Released " kAEGPMemorySuite " 1", "Released " kAEGPUtilitySuite " 11"}));
 }
 
 TEST_F(ScriptHelperTest, ScriptErrorsOnlyShowAsAMissingResult)
@@ -103,31 +81,30 @@ TEST_F(ScriptHelperTest, ScriptErrorsOnlyShowAsAMissingResult)
 TEST_F(ScriptHelperTest, AMissingSuiteThrowsAfterReleasingWhatWasTaken)
 {
     answer({A_Err_NONE, std::string("never"), std::nullopt});
-    host.failures().failSuite(kAEGPMemorySuite, 1);
-    try {
-        run();
-        FAIL() << "no throw";
-    } catch (int thrown) {
-        EXPECT_EQ(thrown, A_Err_MISSING_SUITE);
+    const Lines memoryRefused = {"Acquired " kAEGPUtilitySuite " 11", "Refused " kAEGPMemorySuite " 1",
+                                 "Released " kAEGPUtilitySuite " 11"};
+    struct Case {
+        const char* suite;
+        A_long version;
+        SuiteFailure how;  // status 0 without a table is no suite either
+        Lines log;
+    };
+    for (const Case& missing : {Case{kAEGPMemorySuite, 1, SuiteFailure::Missing, memoryRefused},
+                                Case{kAEGPMemorySuite, 1, SuiteFailure::NullWithoutStatus, memoryRefused},
+                                Case{kAEGPUtilitySuite, 11, SuiteFailure::Missing,
+                                     {"Refused " kAEGPUtilitySuite " 11"}}}) {
+        SCOPED_TRACE(missing.suite);
+        host.failures().clear();
+        host.suites().clearLog();
+        host.failures().failSuite(missing.suite, missing.version, missing.how);
+        try {
+            run();
+            ADD_FAILURE() << "no throw";
+        } catch (int thrown) {
+            EXPECT_EQ(thrown, A_Err_MISSING_SUITE);
+        }
+        EXPECT_EQ(suiteLog(host.suites()), missing.log);
     }
-    expectLog({{Event::Acquired, kAEGPUtilitySuite, 11},
-               {Event::Refused, kAEGPMemorySuite, 1},
-               {Event::Released, kAEGPUtilitySuite, 11}});
-
-    // Status 0 without a table is no suite either.
-    host.failures().clear();
-    host.suites().clearLog();
-    host.failures().failSuite(kAEGPMemorySuite, 1, SuiteFailure::NullWithoutStatus);
-    EXPECT_THROW(run(), int);
-    expectLog({{Event::Acquired, kAEGPUtilitySuite, 11},
-               {Event::Refused, kAEGPMemorySuite, 1},
-               {Event::Released, kAEGPUtilitySuite, 11}});
-
-    host.failures().clear();
-    host.suites().clearLog();
-    host.failures().failSuite(kAEGPUtilitySuite, 11);
-    EXPECT_THROW(run(), int);
-    expectLog({{Event::Refused, kAEGPUtilitySuite, 11}});
     EXPECT_TRUE(scripts.empty());
 }
 

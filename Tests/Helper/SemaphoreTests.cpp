@@ -45,15 +45,13 @@ public:
             mOrder.push_back(id);
             mThrough.notify_all();
         });
-        for (;;) {
-            if (mSemaphore.blockedCount() == blockedBefore + 1) {
-                return true;
-            }
+        while (mSemaphore.blockedCount() != blockedBefore + 1) {
             if (through() > throughBefore) {
                 return false;
             }
             std::this_thread::yield();
         }
+        return true;
     }
 
     // The ids of the first `count` threads through, in the order they got there.
@@ -78,13 +76,16 @@ private:
     Ids mOrder;
 };
 
-TEST(SemaphoreTest, CountsAreTakenBeforeAnyoneBlocks)
+TEST(SemaphoreTest, TheCountServesWaitsBeforeAnyoneBlocksAndSignalOfZeroAddsNothing)
 {
     Semaphore semaphore(2);
     Waiters waiters(semaphore);
     semaphore.wait();
     semaphore.wait();
-    ASSERT_TRUE(waiters.startBlocked()) << "a start count of 2 served a third wait";
+    semaphore.signal(0);
+    ASSERT_TRUE(waiters.startBlocked()) << "a start count of 2 served a third wait, or signal(0) raised the count";
+    semaphore.signal(0);
+    EXPECT_EQ(semaphore.blockedCount(), 1u) << "signal(0) woke a thread";
 
     semaphore.signal();
     EXPECT_EQ(waiters.woken(1), Ids{0});
@@ -116,16 +117,6 @@ TEST(SemaphoreTest, SignalsWakeTheLastThreadToBlockFirst)
 
     semaphore.signal();
     EXPECT_EQ(waiters.woken(4).back(), 0);
-}
-
-TEST(SemaphoreTest, SignalOfZeroDoesNothing)
-{
-    Semaphore semaphore(0);
-    Waiters waiters(semaphore);
-    semaphore.signal(0);
-    ASSERT_TRUE(waiters.startBlocked()) << "signal(0) raised the count";
-    semaphore.signal(0);
-    EXPECT_EQ(semaphore.blockedCount(), 1u);
 }
 
 TEST(SemaphoreTest, SignalAllWakesExactlyThoseBlockedAtTheCall)

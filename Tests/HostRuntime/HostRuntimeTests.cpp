@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstring>
 
 namespace Halvane::Quorvex::Testing {
 namespace {
@@ -17,18 +16,12 @@ using namespace Host;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 
-PF_ParamDef Slider(double value)
-{
-    PF_ParamDef def{};
-    def.param_type = PF_Param_FLOAT_SLIDER;
-    std::strcpy(def.name, "Slider");
-    def.u.fs_d.value = value;
-    return def;
-}
-
 TEST(ParameterTrackTest, SlidersMoveLinearlyAndPopupsHold)
 {
-    ParameterTrack slider(Slider(1.0));
+    PF_ParamDef sliderDef{};
+    sliderDef.param_type = PF_Param_FLOAT_SLIDER;
+    sliderDef.u.fs_d.value = 1.0;
+    ParameterTrack slider(sliderDef);
     EXPECT_EQ(slider.valueAt(-3.0), 1.0);
     slider.setKeyframes({{4.0, 3.0}, {0.0, 0.5}});
     EXPECT_DOUBLE_EQ(slider.valueAt(-1.0), 0.5);
