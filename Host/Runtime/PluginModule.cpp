@@ -33,9 +33,16 @@ PluginModule::PluginModule(const std::string& path) : mPath(path)
     mEntryPoint = reinterpret_cast<PF_EntryPointFunc>(symbol);
 }
 
+PluginModule::PluginModule(const std::string& name, PF_EntryPointFunc entryPoint)
+    : mPath(name), mEntryPoint(entryPoint)
+{
+}
+
 PluginModule::~PluginModule()
 {
-    dlclose(mLibrary);
+    if (mLibrary) {
+        dlclose(mLibrary);
+    }
 }
 
 PF_Err PluginModule::call(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data,

@@ -14,6 +14,9 @@ public:
     // Throws HostError naming the path and the loader's reason when the file
     // does not load or has no entry point.
     explicit PluginModule(const std::string& path);
+    // An effect linked into the host itself: nothing is loaded, `name`
+    // stands for the path in messages.
+    PluginModule(const std::string& name, PF_EntryPointFunc entryPoint);
     ~PluginModule();
 
     PluginModule(const PluginModule&) = delete;

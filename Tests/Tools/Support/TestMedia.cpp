@@ -131,16 +131,20 @@ void TestMedia::writeClip(const std::string& path, const Clip& clip, const ClipF
     // read back as 12000/1001.
     videoStream->avg_frame_rate = video->framerate;
 
-    AVCodecContext* audio = OpenEncoder("aac", container, [](AVCodecContext* encoder) {
-        encoder->sample_fmt = AV_SAMPLE_FMT_FLTP;
-        encoder->sample_rate = 48000;
-        av_channel_layout_default(&encoder->ch_layout, 2);
-        encoder->bit_rate = 96000;
-        encoder->time_base = AVRational{1, 48000};
-    });
-    AVStream* audioStream = avformat_new_stream(container, nullptr);
-    avcodec_parameters_from_context(audioStream->codecpar, audio);
-    audioStream->time_base = audio->time_base;
+    AVCodecContext* audio = nullptr;
+    AVStream* audioStream = nullptr;
+    if (clip.audio) {
+        audio = OpenEncoder("aac", container, [](AVCodecContext* encoder) {
+            encoder->sample_fmt = AV_SAMPLE_FMT_FLTP;
+            encoder->sample_rate = 48000;
+            av_channel_layout_default(&encoder->ch_layout, 2);
+            encoder->bit_rate = 96000;
+            encoder->time_base = AVRational{1, 48000};
+        });
+        audioStream = avformat_new_stream(container, nullptr);
+        avcodec_parameters_from_context(audioStream->codecpar, audio);
+        audioStream->time_base = audio->time_base;
+    }
 
     Check(avio_open(&container->pb, path.c_str(), AVIO_FLAG_WRITE), "open");
     Check(avformat_write_header(container, nullptr), "header");
@@ -168,29 +172,31 @@ void TestMedia::writeClip(const std::string& path, const Clip& clip, const ClipF
     Encode(video, nullptr, videoStream, container);
 
     // A 440 Hz tone as long as the video.
-    AVFrame* sound = av_frame_alloc();
-    sound->format = audio->sample_fmt;
-    sound->nb_samples = audio->frame_size;
-    av_channel_layout_copy(&sound->ch_layout, &audio->ch_layout);
-    Check(av_frame_get_buffer(sound, 0), "sound buffer");
-    const long total = 48000L * clip.frames * clip.rateDenominator / clip.rateNumerator;
-    for (long start = 0; start < total; start += audio->frame_size) {
-        Check(av_frame_make_writable(sound), "sound writable");
-        for (int channel = 0; channel < 2; ++channel) {
-            auto* samples = reinterpret_cast<float*>(sound->data[channel]);
-            for (int i = 0; i < audio->frame_size; ++i) {
-                samples[i] = 0.25f * static_cast<float>(
-                                         std::sin((start + i) * 2 * M_PI * 440.0 / 48000.0));
+    if (audio) {
+        AVFrame* sound = av_frame_alloc();
+        sound->format = audio->sample_fmt;
+        sound->nb_samples = audio->frame_size;
+        av_channel_layout_copy(&sound->ch_layout, &audio->ch_layout);
+        Check(av_frame_get_buffer(sound, 0), "sound buffer");
+        const long total = 48000L * clip.frames * clip.rateDenominator / clip.rateNumerator;
+        for (long start = 0; start < total; start += audio->frame_size) {
+            Check(av_frame_make_writable(sound), "sound writable");
+            for (int channel = 0; channel < 2; ++channel) {
+                auto* samples = reinterpret_cast<float*>(sound->data[channel]);
+                for (int i = 0; i < audio->frame_size; ++i) {
+                    samples[i] = 0.25f * static_cast<float>(
+                                             std::sin((start + i) * 2 * M_PI * 440.0 / 48000.0));
+                }
             }
+            sound->pts = start;
+            Encode(audio, sound, audioStream, container);
         }
-        sound->pts = start;
-        Encode(audio, sound, audioStream, container);
+        Encode(audio, nullptr, audioStream, container);
+        av_frame_free(&sound);
     }
-    Encode(audio, nullptr, audioStream, container);
 
     Check(av_write_trailer(container), "trailer");
     av_frame_free(&picture);
-    av_frame_free(&sound);
     avcodec_free_context(&video);
     avcodec_free_context(&audio);
     avio_closep(&container->pb);

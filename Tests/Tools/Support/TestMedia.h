@@ -45,11 +45,12 @@ public:
         int frames = 6;
         int rateNumerator = 12;
         int rateDenominator = 1;
+        bool audio = true;
     };
     // The RGBA sample of channel `c` at (x, y) of frame `frame`.
     using ClipFunction = std::function<std::uint8_t(int frame, int x, int y, int c)>;
     // Writes a lossless clip (FFV1 with alpha, in Matroska) with a stereo
-    // AAC track as long as the video.
+    // AAC track as long as the video, if `clip.audio`.
     static void writeClip(const std::string& path, const Clip& clip, const ClipFunction& sample);
 };
 

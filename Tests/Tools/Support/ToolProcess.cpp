@@ -50,8 +50,15 @@ std::string ReadAll(int fd)
 ToolProcess::ToolProcess(const std::vector<std::string>& arguments,
                          const std::map<std::string, std::string>& environment,
                          bool errorIsTerminal)
+    : ToolProcess(QUORVEX_TOOL_PATH, arguments, environment, errorIsTerminal)
 {
-    std::vector<std::string> argumentTexts{QUORVEX_TOOL_PATH};
+}
+
+ToolProcess::ToolProcess(const std::string& program, const std::vector<std::string>& arguments,
+                         const std::map<std::string, std::string>& environment,
+                         bool errorIsTerminal)
+{
+    std::vector<std::string> argumentTexts{program};
     argumentTexts.insert(argumentTexts.end(), arguments.begin(), arguments.end());
     std::vector<std::string> environmentTexts;
     for (char** entry = environ; *entry; ++entry) {
@@ -78,7 +85,7 @@ ToolProcess::ToolProcess(const std::vector<std::string>& arguments,
     posix_spawn_file_actions_adddup2(&actions, mOutFile, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, errorTarget, STDERR_FILENO);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    errno = ::posix_spawn(&mPid, argumentTexts[0].c_str(), &actions, nullptr,
+    errno = ::posix_spawnp(&mPid, argumentTexts[0].c_str(), &actions, nullptr,
                           Pointers(argumentTexts).data(), Pointers(environmentTexts).data());
     posix_spawn_file_actions_destroy(&actions);
     if (errorIsTerminal) {

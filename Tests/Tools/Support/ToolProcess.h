@@ -14,13 +14,16 @@ struct ToolResult {
     std::string err;
 };
 
-// The built quorvex program, run as users run it, with standard output and
-// standard error caught apart. Standard error can be a terminal, to see
-// what users see at one.
+// The built quorvex program, or another (ffmpeg, melt, ...), run as users
+// run it, with standard output and standard error caught apart. Standard
+// error can be a terminal, to see what users see at one.
 class ToolProcess {
 public:
     // `environment` is added to the test's own.
     ToolProcess(const std::vector<std::string>& arguments,
+                const std::map<std::string, std::string>& environment, bool errorIsTerminal);
+    // `program` is a path, or a name looked up in PATH.
+    ToolProcess(const std::string& program, const std::vector<std::string>& arguments,
                 const std::map<std::string, std::string>& environment, bool errorIsTerminal);
     // Kills the program if it still runs.
     ~ToolProcess();

@@ -1,0 +1,255 @@
+#include "SharedEffect.h"
+
+#include "Quorvex.h"
+
+#include "Runtime/EffectSession.h"
+#include "Runtime/HostError.h"
+#include "Runtime/HostRuntime.h"
+#include "Runtime/PluginModule.h"
+#include "Runtime/World.h"
+
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+#include <new>
+#include <sstream>
+
+namespace Halvane::Quorvex::Frei0r {
+
+namespace {
+
+constexpr const char* kModuleName = "quorvex.so (frei0r)";
+constexpr const char* kGlitchTypeName = "Glitch Type";
+constexpr const char* kSpeedName = "Speed";
+
+// The effect reports the OpenGL of each context it makes on standard output.
+// A host may be writing video there, and on standard error it would repeat
+// in every run of every host: it is dropped (`quorvex info` shows it).
+class EffectReportDropped {
+public:
+    EffectReportDropped() : mSaved(std::cout.rdbuf(&mDropped)) {}
+    ~EffectReportDropped() { std::cout.rdbuf(mSaved); }
+
+    EffectReportDropped(const EffectReportDropped&) = delete;
+    EffectReportDropped& operator=(const EffectReportDropped&) = delete;
+
+private:
+    std::stringbuf mDropped;
+    std::streambuf* mSaved;
+};
+
+std::string Failure(const std::string& what, PF_Err status, const Host::EffectSession& session)
+{
+    std::string text = what + ": " + Host::DescribeEffectError(status);
+    const std::string shown = session.errorMessage();
+    if (!shown.empty()) {
+        text += ": " + shown;
+    }
+    return text;
+}
+
+// Lines joined with "; ", without the effect's "Quorvex: " prefixes.
+std::string OneLine(const std::string& text)
+{
+    std::string joined;
+    std::size_t start = 0;
+    while (start < text.size()) {
+        std::size_t end = text.find('\n', start);
+        if (end == std::string::npos) {
+            end = text.size();
+        }
+        std::string line = text.substr(start, end - start);
+        if (line.rfind("Quorvex: ", 0) == 0) {
+            line.erase(0, 9);
+        }
+        if (!line.empty()) {
+            joined += (joined.empty() ? "" : "; ") + line;
+        }
+        start = end + 1;
+    }
+    return joined;
+}
+
+std::size_t ParameterIndex(Host::HostRuntime& runtime, const std::string& name)
+{
+    auto& parameters = runtime.parameters();
+    for (std::size_t index = 0; index < parameters.size(); ++index) {
+        if (parameters[index].name() == name) {
+            return index;
+        }
+    }
+    throw Host::HostError("the effect declares no parameter '" + name + "'");
+}
+
+}  // namespace
+
+SharedEffect& SharedEffect::process()
+{
+    // Never destroyed: a host may exit without f0r_deinit, and the GL
+    // driver's own clean-up at exit must not meet a half-torn effect.
+    static SharedEffect* const effect = new SharedEffect();
+    return *effect;
+}
+
+void SharedEffect::retain()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    ++mUsers;
+}
+
+void SharedEffect::release()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (mUsers > 0 && --mUsers == 0) {
+        setDown();
+        // What failed may work after a fresh f0r_init.
+        mSetUpFailure.clear();
+        mFailedSizes.clear();
+    }
+}
+
+void SharedEffect::render(const Frame& frame, const Settings& settings, const Host::FrameTime& time)
+{
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        const std::pair<unsigned, unsigned> size{frame.width, frame.height};
+        // A size that failed was reported; asking the effect again would
+        // only repeat it.
+        if (!mFailedSizes.count(size)) {
+            const EffectReportDropped dropped;
+            mErrorCapture.begin();
+            std::string failure;
+            try {
+                failure = renderLocked(frame, settings, time);
+            } catch (const std::bad_alloc&) {
+                failure = "out of memory";
+            } catch (const std::exception& error) {
+                failure = error.what();
+            }
+            const std::string printed = mErrorCapture.end();
+            if (failure.empty()) {
+                std::fputs(printed.c_str(), stderr);
+                return;
+            }
+            // What the effect said is the better reason; its status alone
+            // says little ("bad callback parameter").
+            const std::string reason = printed.empty() ? failure : OneLine(printed);
+            mFailedSizes.insert(size);
+            reportOnceLocked("quorvex frei0r: passing " + std::to_string(frame.width) + "x" +
+                             std::to_string(frame.height) + " frames through unchanged: " + reason);
+        }
+    }
+    std::memcpy(frame.output, frame.input,
+                static_cast<std::size_t>(frame.width) * frame.height * sizeof(std::uint32_t));
+}
+
+std::string SharedEffect::setUp()
+{
+    if (mSession) {
+        return std::string();
+    }
+    if (!mSetUpFailure.empty()) {
+        return mSetUpFailure;
+    }
+    try {
+        mRuntime = std::make_unique<Host::HostRuntime>();
+        mModule = std::make_unique<Host::PluginModule>(kModuleName, &EntryPointFunc);
+    } catch (const Host::HostError& error) {
+        setDown();
+        return mSetUpFailure = error.what();
+    }
+    auto session = std::make_unique<Host::EffectSession>(*mRuntime, *mModule);
+    PF_Err status = session->globalSetup();
+    if (status != PF_Err_NONE) {
+        mSetUpFailure = Failure("the effect's GlobalSetup failed", status, *session);
+        setDown();
+        return mSetUpFailure;
+    }
+    if ((status = session->paramsSetup()) != PF_Err_NONE) {
+        mSetUpFailure = Failure("the effect's ParamsSetup failed", status, *session);
+        session->globalSetdown();
+        setDown();
+        return mSetUpFailure;
+    }
+    try {
+        mGlitchTypeIndex = ParameterIndex(*mRuntime, kGlitchTypeName);
+        mSpeedIndex = ParameterIndex(*mRuntime, kSpeedName);
+    } catch (const Host::HostError& error) {
+        session->globalSetdown();
+        setDown();
+        return mSetUpFailure = error.what();
+    }
+    mSession = std::move(session);
+    return std::string();
+}
+
+void SharedEffect::setDown()
+{
+    if (mSession) {
+        mSession->globalSetdown();
+    }
+    mSession.reset();
+    mModule.reset();
+    mRuntime.reset();
+    mInputWorld.reset();
+    mOutputWorld.reset();
+}
+
+std::string SharedEffect::renderLocked(const Frame& frame, const Settings& settings,
+                                       const Host::FrameTime& time)
+{
+    if (std::string failure = setUp(); !failure.empty()) {
+        return failure;
+    }
+    const auto width = static_cast<A_long>(frame.width);
+    const auto height = static_cast<A_long>(frame.height);
+    if (!mInputWorld || mInputWorld->width() != width || mInputWorld->height() != height) {
+        mInputWorld.reset();
+        mOutputWorld.reset();
+        mInputWorld = std::make_unique<Host::World>(width, height, PF_PixelFormat_ARGB32);
+        mOutputWorld = std::make_unique<Host::World>(width, height, PF_PixelFormat_ARGB32);
+    }
+    const auto* source = reinterpret_cast<const std::uint8_t*>(frame.input);
+    for (A_long y = 0; y < height; ++y) {
+        auto* row = reinterpret_cast<PF_Pixel8*>(mInputWorld->row(y));
+        for (A_long x = 0; x < width; ++x, source += 4) {
+            row[x] = PF_Pixel8{source[3], source[0], source[1], source[2]};
+        }
+        // A fresh transparent output, as `quorvex` gives: nothing of another
+        // instance's frame can show through.
+        std::memset(mOutputWorld->row(y), 0, static_cast<std::size_t>(width) * sizeof(PF_Pixel8));
+    }
+    mRuntime->parameters()[mGlitchTypeIndex].setValue(settings.glitchType);
+    mRuntime->parameters()[mSpeedIndex].setValue(settings.speed);
+
+    if (const PF_Err status = mSession->renderFrame(*mInputWorld, *mOutputWorld, time)) {
+        return Failure("the effect could not render a " + std::to_string(frame.width) + "x" +
+                               std::to_string(frame.height) + " frame", status, *mSession);
+    }
+    auto* target = reinterpret_cast<std::uint8_t*>(frame.output);
+    for (A_long y = 0; y < height; ++y) {
+        const auto* row = reinterpret_cast<const PF_Pixel8*>(mOutputWorld->row(y));
+        for (A_long x = 0; x < width; ++x, target += 4) {
+            target[0] = row[x].red;
+            target[1] = row[x].green;
+            target[2] = row[x].blue;
+            target[3] = row[x].alpha;
+        }
+    }
+    return std::string();
+}
+
+void SharedEffect::reportOnce(const std::string& line)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    reportOnceLocked(line);
+}
+
+void SharedEffect::reportOnceLocked(const std::string& line)
+{
+    if (mReported.insert(line).second) {
+        std::fprintf(stderr, "%s\n", line.c_str());
+    }
+}
+
+}  // namespace Halvane::Quorvex::Frei0r

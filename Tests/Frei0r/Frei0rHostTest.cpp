@@ -1,0 +1,60 @@
+#include "Frei0r/Frei0rHostTest.h"
+
+#include <fstream>
+#include <iterator>
+
+namespace Halvane::Quorvex::Testing {
+
+ToolResult Frei0rHostTest::runHost(const std::string& program,
+                                   const std::vector<std::string>& arguments,
+                                   std::map<std::string, std::string> environment) const
+{
+    environment.emplace("FREI0R_PATH", QUORVEX_FREI0R_PATH);
+    // A registry of the build's own: no cache from elsewhere can hide the
+    // plug-in, and GStreamer lists it anew whenever the file changes.
+    environment.emplace("GST_REGISTRY", QUORVEX_GST_REGISTRY);
+    return ToolProcess(program, arguments, environment, false).wait();
+}
+
+std::vector<std::vector<std::uint8_t>> Frei0rHostTest::readRawFrames(const std::string& path,
+                                                                     int width, int height)
+{
+    std::ifstream file(path, std::ios::binary);
+    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(file),
+                                          std::istreambuf_iterator<char>()};
+    const std::size_t frameSize = static_cast<std::size_t>(width) * height * 4;
+    std::vector<std::vector<std::uint8_t>> frames;
+    for (std::size_t at = 0; at + frameSize <= bytes.size(); at += frameSize) {
+        frames.emplace_back(bytes.begin() + at, bytes.begin() + at + frameSize);
+    }
+    return frames;
+}
+
+::testing::AssertionResult FramesAgree(const std::vector<std::vector<std::uint8_t>>& actual,
+                                       const std::vector<std::vector<std::uint8_t>>& expected,
+                                       int width, int tolerance)
+{
+    if (actual.size() != expected.size()) {
+        return ::testing::AssertionFailure()
+               << actual.size() << " frames where " << expected.size() << " were expected";
+    }
+    for (std::size_t frame = 0; frame < actual.size(); ++frame) {
+        if (actual[frame].size() != expected[frame].size()) {
+            return ::testing::AssertionFailure() << "frame " << frame << " differs in size";
+        }
+        for (std::size_t i = 0; i < actual[frame].size(); ++i) {
+            const int difference = actual[frame][i] - expected[frame][i];
+            if (difference > tolerance || difference < -tolerance) {
+                const std::size_t pixel = i / 4;
+                return ::testing::AssertionFailure()
+                       << "frame " << frame << ", pixel (" << pixel % width << ", "
+                       << pixel / width << "), channel " << i % 4 << ": "
+                       << int(actual[frame][i]) << " where " << int(expected[frame][i])
+                       << " was expected";
+            }
+        }
+    }
+    return ::testing::AssertionSuccess();
+}
+
+}  // namespace Halvane::Quorvex::Testing
