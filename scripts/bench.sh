@@ -1,13 +1,19 @@
 #!/usr/bin/env bash
 # Benchmarks the effect and the command-line host's own costs in a release
-# build (build-release/), prints the table and writes it as JSON.
+# build (build-release/), prints the table and writes it as JSON; then the
+# peers section (scripts/peers.sh): a 1080p clip through quorvex, the frei0r
+# plug-in and ffmpeg's filters, in the same run.
 # Usage: scripts/bench.sh RESULTS.json [--benchmark_filter=REGEX ...]
-# About three minutes on two cores after the build; the build from scratch
-# takes about as long again.
+#        scripts/bench.sh --peers-only
+# About three minutes on two cores after the build, and two more for the
+# peers; the build from scratch takes about as long again.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
+if [[ "${1:-}" == "--peers-only" ]]; then
+  exec "$root/scripts/peers.sh"
+fi
 if (($# < 1)) || [[ "$1" == -* ]]; then
-  echo "usage: scripts/bench.sh RESULTS.json [Google Benchmark options]" >&2
+  echo "usage: scripts/bench.sh RESULTS.json [Google Benchmark options] | --peers-only" >&2
   exit 2
 fi
 json=$1
@@ -26,3 +32,4 @@ if [[ "$exports" != "EntryPointFunc" ]]; then
 fi
 
 "$build_dir/bin/QuorvexBenchmarks" --json="$json" "$@"
+"$root/scripts/peers.sh"

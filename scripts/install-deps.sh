@@ -11,6 +11,8 @@ packages=(
   libopenimageio-dev openimageio-tools
   libavformat-dev libavcodec-dev libswscale-dev libavutil-dev libswresample-dev
   libcli11-dev
+  ffmpeg melt gstreamer1.0-tools gstreamer1.0-plugins-good gstreamer1.0-plugins-bad
+  gstreamer1.0-libav frei0r-plugins-dev frei0r-plugins
 )
 
 missing=()
