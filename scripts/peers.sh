@@ -32,7 +32,7 @@ peer() {
   shift
   local start end
   start=$(date +%s.%N)
-  "$@"
+  "$@" >/dev/null
   end=$(date +%s.%N)
   names+=("$name")
   seconds+=("$(awk -v a="$start" -v b="$end" 'BEGIN { print b - a }')")
