@@ -11,6 +11,7 @@ packages=(
   libopenimageio-dev openimageio-tools
   libavformat-dev libavcodec-dev libswscale-dev libavutil-dev libswresample-dev
   libcli11-dev
+  ffmpeg parallel fonts-dejavu-core
 )
 
 missing=()
