@@ -90,6 +90,12 @@ TEST_F(RenderSplitTest, VideoChunksJoinedWithTheConcatDemuxerMatchOneRun)
         EXPECT_NEAR(joined.frameSeconds[frame], whole.frameSeconds[frame], 0.0015) << frame;
     }
 
+    // Into an image sequence, a video's frame n becomes number n + 1.
+    ASSERT_TRUE(Succeeded(
+        runFake({"render", path("clip.mkv"), path("frame.%02d.png"), "--frames", "4:5"})));
+    EXPECT_TRUE(files().count("frame.05.png") && files().count("frame.06.png"));
+    EXPECT_EQ(files().count("frame.01.png"), 0u);
+
     const ToolResult beyond =
         runFake({"render", path("clip.mkv"), path("beyond.mkv"), "--frames", "10:12"});
     EXPECT_EQ(beyond.exitCode, 1);

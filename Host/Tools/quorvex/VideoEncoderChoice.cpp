@@ -146,6 +146,10 @@ void VideoEncoderChoice::fitTo(int width, int height, PixelDepth depth, bool has
                                               mCodec->pix_fmts, source, hasAlpha ? 1 : 0, nullptr)
                                         : source;
     }
+    if (encoder == "libx265") {
+        // x265 reports its settings on standard error itself.
+        mOptions.emplace_back("x265-params", "log-level=error");
+    }
     const AVPixFmtDescriptor* chosen = av_pix_fmt_desc_get(mPixelFormat);
     if (hasAlpha && chosen && !(chosen->flags & AV_PIX_FMT_FLAG_ALPHA)) {
         mNote = (mNote.empty() ? "" : mNote + "; ") + std::string(mCodec->name) +

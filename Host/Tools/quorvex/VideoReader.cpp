@@ -13,12 +13,15 @@ extern "C" {
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <limits>
 #include <numeric>
 
 namespace Halvane::Quorvex::Tools {
 
 namespace {
+
+// The finest time scale frames are delivered in: 2^31 units of it last
+// about five hours.
+constexpr std::int64_t kFinestScale = 120000;
 
 constexpr int kScaleFlags =
     SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP;
@@ -95,13 +98,15 @@ void VideoReader::open()
     const AVRational rate = av_guess_frame_rate(mFormat, stream, nullptr);
     mInfo.name = path;
     mInfo.rate = rate.num > 0 && rate.den > 0 ? FrameRate(rate.num, rate.den) : FrameRate(25, 1);
-    const std::int64_t fine = std::lcm<std::int64_t>(stream->time_base.den, mInfo.rate.numerator());
-    if (fine <= std::numeric_limits<int>::max()) {
-        mDeliveredBase = AVRational{1, static_cast<int>(fine)};
-        mFrameTicks = mInfo.rate.denominator() * (fine / mInfo.rate.numerator());
-    } else {
-        mDeliveredBase = stream->time_base;
+    // Where that base grows too fine for the host's 32-bit time to reach
+    // the end of a long video (90 kHz ticks and 23.976 fps: 1/360000 s),
+    // frames are timed to 1/rate-numerator second (1/24000 s) instead.
+    std::int64_t fine = std::lcm<std::int64_t>(stream->time_base.den, mInfo.rate.numerator());
+    if (fine > kFinestScale) {
+        fine = mInfo.rate.numerator();
     }
+    mDeliveredBase = AVRational{1, static_cast<int>(fine)};
+    mFrameTicks = mInfo.rate.denominator() * (fine / mInfo.rate.numerator());
     mInfo.timeBase = mDeliveredBase;
     mInfo.frameCount = mRange ? std::optional<std::size_t>(mRange->count())
                               : EstimatedFrameCount(*mFormat, *stream, mInfo.rate);

@@ -78,9 +78,9 @@ private:
     std::optional<FrameRange> mRange;
     std::int64_t mStart = 0;         // the stream's start, in its time base
     // Delivered timestamps count in a base fine enough for both the
-    // stream's ticks and whole frames at its rate (mFrameTicks each, 0 when
-    // none is), so that a constant-rate video whose container rounds its
-    // timestamps (Matroska's milliseconds) keeps frames exactly 1/rate apart.
+    // stream's ticks and whole frames at its rate (mFrameTicks each), so
+    // that a constant-rate video whose container rounds its timestamps
+    // (Matroska's milliseconds) keeps frames exactly 1/rate apart.
     AVRational mDeliveredBase{1, 1};
     std::int64_t mFrameTicks = 0;
     std::int64_t mNominalStep = 1;   // one frame at the stream's rate
