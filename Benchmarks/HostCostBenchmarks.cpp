@@ -79,7 +79,8 @@ void Encode(const Inputs& inputs, const std::string& target, Tools::SinkFactory:
     }
     const std::unique_ptr<Tools::FrameSink> sink = Tools::SinkFactory::open(target, inputs.mInfo, request);
     for (std::size_t index = 0; index < inputs.mFrames.size(); ++index) {
-        sink->write(Tools::SourceFrame{index, inputs.mFrames[index]});
+        sink->write(Tools::SourceFrame{index, inputs.mFrames[index],
+                                       static_cast<std::int64_t>(index), 1});
     }
     sink->finish();
 }

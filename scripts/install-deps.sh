@@ -13,6 +13,7 @@ packages=(
   libcli11-dev
   ffmpeg melt gstreamer1.0-tools gstreamer1.0-plugins-good gstreamer1.0-plugins-bad
   gstreamer1.0-libav frei0r-plugins-dev frei0r-plugins
+  parallel fonts-dejavu-core
 )
 
 missing=()

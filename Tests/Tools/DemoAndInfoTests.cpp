@@ -1,4 +1,5 @@
 // `quorvex demo` and `quorvex info` with the fake effect.
+#include "ContactSheet.h"
 #include "DemoClip.h"
 #include "FakeEffectFormula.h"
 #include "Tools/Support/MediaProbe.h"
@@ -30,9 +31,30 @@ TEST_F(DemoAndInfoTest, DemoWritesAVideoPerGlitchTypeAndAContactSheetOfTheirFram
     // frame 6, at 0.25 s. A pixel of the opaque colour bars shows which
     // frame and which parameters each cell got.
     const PictureFile sheet = TestMedia::readPicture(path("demo/contact-sheet.png"));
-    const int gap = 8;
-    ASSERT_EQ(sheet.width, 4 * DemoClip::kWidth + 5 * gap);
-    ASSERT_EQ(sheet.height, 3 * DemoClip::kHeight + 4 * gap);
+    const int gap = Tools::ContactSheet::kGap;
+    const int left = Tools::ContactSheet::kLabelWidth + gap;
+    const int top = Tools::ContactSheet::kHeaderHeight + gap;
+    ASSERT_EQ(sheet.width, left + 4 * (DemoClip::kWidth + gap));
+    ASSERT_EQ(sheet.height, top + 3 * (DemoClip::kHeight + gap));
+    // Each row has its label left of it, each column its time above it:
+    // light text on the dark background.
+    const auto lettered = [&](int x0, int y0, int width, int height) {
+        int light = 0;
+        for (int y = y0; y < y0 + height; ++y) {
+            for (int x = x0; x < x0 + width; ++x) {
+                light += sheet.at(x, y, 0) > 150 ? 1 : 0;
+            }
+        }
+        return light > 20;
+    };
+    for (int row = 0; row < 3; ++row) {
+        EXPECT_TRUE(lettered(0, top + row * (DemoClip::kHeight + gap), left, DemoClip::kHeight))
+            << "row " << row;
+    }
+    for (int column = 0; column < 4; ++column) {
+        EXPECT_TRUE(lettered(left + column * (DemoClip::kWidth + gap), 0, DemoClip::kWidth, top))
+            << "column " << column;
+    }
     const int x = 200;
     const int y = 10;
     const Tools::RgbaFrame frame = DemoClip::frameAt(6);
@@ -42,10 +64,10 @@ TEST_F(DemoAndInfoTest, DemoWritesAVideoPerGlitchTypeAndAContactSheetOfTheirFram
     const int step = FakeEffectFormula::TimeStep(6, DemoClip::kFramesPerSecond, 1.0f);
     for (int row = 0; row < 3; ++row) {
         const PF_Pixel8 expected = row == 0 ? source : FakeEffectFormula::Apply(source, row, step);
-        const int sheetY = gap + row * (DemoClip::kHeight + gap) + y;
-        EXPECT_EQ(sheet.at(gap + x, sheetY, 0), expected.red) << "row " << row;
-        EXPECT_EQ(sheet.at(gap + x, sheetY, 1), expected.green) << "row " << row;
-        EXPECT_EQ(sheet.at(gap + x, sheetY, 2), expected.blue) << "row " << row;
+        const int sheetY = top + row * (DemoClip::kHeight + gap) + y;
+        EXPECT_EQ(sheet.at(left + x, sheetY, 0), expected.red) << "row " << row;
+        EXPECT_EQ(sheet.at(left + x, sheetY, 1), expected.green) << "row " << row;
+        EXPECT_EQ(sheet.at(left + x, sheetY, 2), expected.blue) << "row " << row;
     }
 }
 

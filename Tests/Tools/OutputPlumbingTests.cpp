@@ -83,7 +83,7 @@ TEST(OutputChoiceTest, ExtensionsChooseTheKindAndTheCodec)
     EXPECT_THROW(Tools::SinkFactory::classify("f.%04d.xyz"), Tools::ToolError);
 
     auto mp4 = Tools::VideoEncoderChoice::choose("a.mp4", "");
-    mp4.fitTo(64, 48, Tools::PixelDepth::Sixteen, true);
+    mp4.fitTo(64, 48, Tools::PixelDepth::Eight, true);
     EXPECT_EQ(mp4.pixelFormat(), AV_PIX_FMT_YUV420P);
     mp4.fitTo(63, 48, Tools::PixelDepth::Eight, false);
     EXPECT_EQ(mp4.pixelFormat(), AV_PIX_FMT_YUV444P) << "4:2:0 cannot hold an odd width";

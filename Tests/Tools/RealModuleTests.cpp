@@ -2,6 +2,7 @@
 // outputs keep the input's size, depth and frame count, and what they hold
 // is the effect's work (the effect's pixels themselves are compared with a
 // model in the module's own tests).
+#include "ContactSheet.h"
 #include "Tools/Support/MediaProbe.h"
 #include "Tools/Support/TestMedia.h"
 #include "Tools/Support/ToolTest.h"
@@ -96,14 +97,16 @@ TEST_F(RealModuleTest, DemoAndInfoRun)
     const MediaSummary block = MediaProbe::probe(path("demo/block.mp4"));
     EXPECT_EQ(block.frames, 72);
     const PictureFile sheet = TestMedia::readPicture(path("demo/contact-sheet.png"));
-    ASSERT_EQ(sheet.width, 4 * 320 + 5 * 8);
-    ASSERT_EQ(sheet.height, 3 * 180 + 4 * 8);
+    const int left = Tools::ContactSheet::kLabelWidth + 8;
+    const int top = Tools::ContactSheet::kHeaderHeight + 8;
+    ASSERT_EQ(sheet.width, left + 4 * (320 + 8));
+    ASSERT_EQ(sheet.height, top + 3 * (180 + 8));
     // Rows of tiles: the source, then Block Glitch, then Bad TV.
     auto row = [&](int index) {
         std::vector<double> samples;
-        const int top = 8 + index * (180 + 8);
-        for (int y = top; y < top + 180; ++y) {
-            for (int x = 8; x < sheet.width - 8; ++x) {
+        const int rowTop = top + index * (180 + 8);
+        for (int y = rowTop; y < rowTop + 180; ++y) {
+            for (int x = left; x < sheet.width - 8; ++x) {
                 for (int c = 0; c < sheet.channels; ++c) {
                     samples.push_back(sheet.at(x, y, c));
                 }

@@ -50,18 +50,19 @@ TEST_F(RenderSequenceTest, EachFrameIsRenderedAtItsTimeOneCommandAfterAnother)
     EXPECT_EQ(lines("effect.log"), expected);
 }
 
-TEST_F(RenderSequenceTest, FramesOptionPicksARangeAndTimeOffsetShiftsItsTimes)
+TEST_F(RenderSequenceTest, FramesOptionPicksARangeAtItsTimesAndTimeOffsetShiftsThem)
 {
     ASSERT_TRUE(Succeeded(runFake({"render", path("in.%04d.png"), path("out.%02d.png"), "--frames",
                                    "2:3", "--fps", "8", "--time-offset", "1.5"})));
     EXPECT_EQ(files(),
               (std::set<std::string>{Name("in", 1), Name("in", 2), Name("in", 3), Name("in", 4),
                                      Name("in", 5), "out.02.png", "out.03.png"}));
+    // Frame 2 keeps its place after frame 1, the first on disk.
     const PictureFile first = TestMedia::readPicture(path("out.02.png"));
     EXPECT_EQ(first.at(0, 0, 0), 255 - 20);
-    EXPECT_EQ(first.at(0, 0, 2), FakeEffectFormula::TimeStep(12, 8, 1.0f));
+    EXPECT_EQ(first.at(0, 0, 2), FakeEffectFormula::TimeStep(13, 8, 1.0f));
     EXPECT_EQ(TestMedia::readPicture(path("out.03.png")).at(0, 0, 2),
-              FakeEffectFormula::TimeStep(13, 8, 1.0f));
+              FakeEffectFormula::TimeStep(14, 8, 1.0f));
 }
 
 }  // namespace

@@ -3,6 +3,9 @@
 #include "AtomicOutputFile.h"
 #include "ImageFileWriter.h"
 
+#include <OpenImageIO/imagebuf.h>
+#include <OpenImageIO/imagebufalgo.h>
+
 #include <algorithm>
 
 namespace Halvane::Quorvex::Tools {
@@ -13,6 +16,7 @@ constexpr int kCheckerSize = 8;
 constexpr float kCheckerLight = 0.8f;
 constexpr float kCheckerDark = 0.6f;
 constexpr float kBackground = 0.15f;
+constexpr float kLabel = 0.9f;
 
 }  // namespace
 
@@ -21,8 +25,8 @@ ContactSheet::ContactSheet(int rows, int columns, int cellWidth, int cellHeight)
       mColumns(columns),
       mCellWidth(cellWidth),
       mCellHeight(cellHeight),
-      mSheet(columns * cellWidth + (columns + 1) * kGap, rows * cellHeight + (rows + 1) * kGap,
-             PixelDepth::Eight)
+      mSheet(kLabelWidth + columns * cellWidth + (columns + 1) * kGap,
+             kHeaderHeight + rows * cellHeight + (rows + 1) * kGap, PixelDepth::Eight)
 {
     const std::size_t count = mSheet.sampleCount();
     for (std::size_t i = 0; i < count; ++i) {
@@ -35,8 +39,8 @@ void ContactSheet::place(int row, int column, const RgbaFrame& frame)
     if (row < 0 || row >= mRows || column < 0 || column >= mColumns) {
         return;
     }
-    const int left = kGap + column * (mCellWidth + kGap);
-    const int top = kGap + row * (mCellHeight + kGap);
+    const int left = cellLeft(column);
+    const int top = cellTop(row);
     const int width = std::min(mCellWidth, frame.width());
     const int height = std::min(mCellHeight, frame.height());
     const auto sheetWidth = static_cast<std::size_t>(mSheet.width());
@@ -59,6 +63,26 @@ void ContactSheet::place(int row, int column, const RgbaFrame& frame)
             mSheet.setNormalised(to + 3, 1.0f);
         }
     }
+}
+
+bool ContactSheet::labelRow(int row, const std::string& text)
+{
+    // On the row's middle line, at the sheet's left edge.
+    return drawText(kGap, cellTop(row) + mCellHeight / 2 + kFontSize / 3, text);
+}
+
+bool ContactSheet::labelColumn(int column, const std::string& text)
+{
+    return drawText(cellLeft(column), kHeaderHeight + kGap / 2 - kFontSize / 3, text);
+}
+
+bool ContactSheet::drawText(int x, int y, const std::string& text)
+{
+    const OIIO::ImageSpec spec(mSheet.width(), mSheet.height(), RgbaFrame::kChannels,
+                               OIIO::TypeDesc::UINT8);
+    OIIO::ImageBuf sheet(spec, mSheet.samples8());
+    const float colour[] = {kLabel, kLabel, kLabel, 1.0f};
+    return OIIO::ImageBufAlgo::render_text(sheet, x, y, text, kFontSize, kFont, colour);
 }
 
 void ContactSheet::write(const std::string& path) const

@@ -63,6 +63,7 @@ DemoClip::DemoClip()
     mInfo.depth = PixelDepth::Eight;
     mInfo.hasAlpha = true;
     mInfo.rate = FrameRate(kFramesPerSecond, 1);
+    mInfo.timeBase = mInfo.rate.frameDuration();
     mInfo.frameCount = kFrameCount;
 }
 
@@ -99,7 +100,7 @@ bool DemoClip::read(PipelineItem& item)
     if (mNext >= kFrameCount) {
         return false;
     }
-    item = SourceFrame{mNext, frameAt(mNext)};
+    item = SourceFrame{mNext, frameAt(mNext), static_cast<std::int64_t>(mNext), 1};
     ++mNext;
     return true;
 }

@@ -6,6 +6,7 @@
 #include "EffectSettings.h"
 #include "FrameTimeline.h"
 #include "InterruptWatcher.h"
+#include "NumberText.h"
 #include "ProgressReporter.h"
 #include "RenderPipeline.h"
 #include "ToolError.h"
@@ -23,6 +24,7 @@ namespace {
 // The frames of the contact sheet: 0.25, 1, 1.75 and 2.5 seconds in.
 constexpr std::array<std::size_t, 4> kSampleFrames = {6, 24, 42, 60};
 constexpr std::array<int, 2> kGlitchTypes = {1, 2};
+constexpr std::array<const char*, 2> kGlitchTypeLabels = {"Block Glitch", "Bad TV"};
 
 int SampleColumn(std::size_t index)
 {
@@ -36,8 +38,11 @@ int SampleColumn(std::size_t index)
 
 }  // namespace
 
-DemoCommand::DemoCommand(std::string folder, std::string modulePath, bool quiet)
-    : mFolder(std::move(folder)), mModulePath(std::move(modulePath)), mQuiet(quiet)
+DemoCommand::DemoCommand(std::string folder, std::string modulePath, bool quiet, bool verbose)
+    : mFolder(std::move(folder)),
+      mModulePath(std::move(modulePath)),
+      mQuiet(quiet),
+      mVerbose(verbose)
 {
 }
 
@@ -51,13 +56,25 @@ int DemoCommand::run()
         throw ToolError::runtime("cannot make the folder '" + mFolder + "': " + error.message());
     }
 
-    EffectHost effect(mModulePath);
+    EffectHost effect(mModulePath, mVerbose);
     effect.setUp();
 
     ContactSheet sheet(1 + static_cast<int>(kGlitchTypes.size()),
                        static_cast<int>(kSampleFrames.size()), DemoClip::kWidth, DemoClip::kHeight);
+    bool labelled = sheet.labelRow(0, "source");
+    for (std::size_t row = 0; row < kGlitchTypes.size(); ++row) {
+        labelled = sheet.labelRow(static_cast<int>(row) + 1, kGlitchTypeLabels[row]) && labelled;
+    }
     for (std::size_t column = 0; column < kSampleFrames.size(); ++column) {
         sheet.place(0, static_cast<int>(column), DemoClip::frameAt(kSampleFrames[column]));
+        const double seconds =
+            static_cast<double>(kSampleFrames[column]) / DemoClip::kFramesPerSecond;
+        labelled = sheet.labelColumn(static_cast<int>(column), FormatNumber(seconds) + " s") &&
+                   labelled;
+    }
+    if (!labelled && !mQuiet) {
+        std::cerr << "quorvex demo: note: the contact sheet has no labels; its font "
+                  << ContactSheet::kFont << " is not installed (Debian: fonts-dejavu-core)\n";
     }
 
     std::vector<std::string> written;
@@ -74,6 +91,7 @@ int DemoCommand::run()
         settings.width = DemoClip::kWidth;
         settings.height = DemoClip::kHeight;
         settings.rate = clip.info().rate;
+        settings.timeBase = clip.info().timeBase;
         VideoWriter video(path, encoder, settings, nullptr, nullptr);
 
         ProgressReporter progress(ProgressReporter::styleFor(mQuiet),

@@ -3,7 +3,6 @@
 #include "EffectSettings.h"
 #include "FrameConverter.h"
 #include "NumberText.h"
-#include "StandardOutputCapture.h"
 
 #include "Runtime/EffectSession.h"
 #include "Runtime/HostError.h"
@@ -12,8 +11,7 @@
 #include "Runtime/World.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <optional>
+#include <iostream>
 
 namespace Halvane::Quorvex::Tools {
 
@@ -31,11 +29,12 @@ std::string StatusInWords(int status)
 
 }  // namespace
 
-EffectHost::EffectHost(const std::string& modulePath) : mModulePath(modulePath)
+EffectHost::EffectHost(const std::string& modulePath, bool verbose)
+    : mModulePath(modulePath), mOutput(verbose)
 {
     try {
         mRuntime = std::make_unique<Host::HostRuntime>();
-        mModule = std::make_unique<Host::PluginModule>(modulePath);
+        mModule = mOutput.around([&] { return std::make_unique<Host::PluginModule>(modulePath); });
     } catch (const Host::HostError& error) {
         throw ToolError::runtime(error.what());
     }
@@ -45,12 +44,17 @@ EffectHost::EffectHost(const std::string& modulePath) : mModulePath(modulePath)
 EffectHost::~EffectHost()
 {
     if (mSetUp) {
-        mSession->globalSetdown();
+        mOutput.around([&] { return mSession->globalSetdown(); });
     }
 }
 
 ToolError EffectHost::failure(const std::string& command, int status) const
 {
+    // What the module printed may say why.
+    const std::string printed = Trimmed(mOutput.kept());
+    if (!printed.empty()) {
+        std::cerr << printed << "\n";
+    }
     std::string message =
         "the effect module '" + mModulePath + "' failed " + command + ": " + StatusInWords(status);
     const std::string shown = mSession->errorMessage();
@@ -63,37 +67,22 @@ ToolError EffectHost::failure(const std::string& command, int status) const
 std::string EffectHost::about()
 {
     std::string text;
-    if (const PF_Err status = mSession->about(text)) {
+    if (const PF_Err status = mOutput.around([&] { return mSession->about(text); })) {
         throw failure("About", status);
     }
     std::replace(text.begin(), text.end(), '\r', '\n');
     return text;
 }
 
-std::string EffectHost::setUp(bool captureOutput)
+void EffectHost::setUp()
 {
-    std::string printed;
-    PF_Err status = PF_Err_NONE;
-    {
-        std::optional<StandardOutputCapture> capture;
-        if (captureOutput) {
-            capture.emplace();
-        }
-        status = mSession->globalSetup();
-        if (capture) {
-            printed = capture->finish();
-        }
-    }
-    if (status != PF_Err_NONE) {
-        // What the effect printed may say why; it goes where it would have.
-        std::fwrite(printed.data(), 1, printed.size(), stdout);
+    if (const PF_Err status = mOutput.around([&] { return mSession->globalSetup(); })) {
         throw failure("GlobalSetup", status);
     }
     mSetUp = true;
-    if (const PF_Err paramsStatus = mSession->paramsSetup()) {
-        throw failure("ParamsSetup", paramsStatus);
+    if (const PF_Err status = mOutput.around([&] { return mSession->paramsSetup(); })) {
+        throw failure("ParamsSetup", status);
     }
-    return printed;
 }
 
 void EffectHost::apply(const EffectSettings& settings)
@@ -121,7 +110,8 @@ RgbaFrame EffectHost::render(const RgbaFrame& input, PixelDepth depth, const Hos
         std::fill_n(mOutputWorld->row(y),
                     static_cast<std::size_t>(mOutputWorld->width()) * mOutputWorld->pixelSize(), 0);
     }
-    if (const PF_Err status = mSession->renderFrame(*mInputWorld, *mOutputWorld, time)) {
+    if (const PF_Err status = mOutput.around(
+            [&] { return mSession->renderFrame(*mInputWorld, *mOutputWorld, time); })) {
         throw failure("to render " + label + " (" + std::to_string(input.width()) + "x" +
                           std::to_string(input.height()) + ", " + DepthName(depth) + ", at " +
                           FormatNumber(time.seconds()) + " s)",
@@ -136,7 +126,7 @@ void EffectHost::setDown()
         return;
     }
     mSetUp = false;
-    if (const PF_Err status = mSession->globalSetdown()) {
+    if (const PF_Err status = mOutput.around([&] { return mSession->globalSetdown(); })) {
         throw failure("GlobalSetdown", status);
     }
 }

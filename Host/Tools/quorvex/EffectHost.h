@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ModuleOutput.h"
 #include "PixelDepth.h"
 #include "RgbaFrame.h"
 #include "ToolError.h"
@@ -25,11 +26,15 @@ class EffectSettings;
 // the frame's time, and set down at the end. Every failure becomes a
 // ToolError (runtime) that names the module or the frame and the effect's
 // status in words.
+//
+// What the module prints on standard output is kept aside, and shown on
+// standard error before a failure's message; `verbose` passes it on to
+// standard error as it comes.
 class EffectHost {
 public:
     // Loads the module. Throws ToolError naming the path and the loader's
     // reason.
-    explicit EffectHost(const std::string& modulePath);
+    explicit EffectHost(const std::string& modulePath, bool verbose = false);
     // Sets the effect down if it was set up and not yet set down.
     ~EffectHost();
 
@@ -37,10 +42,8 @@ public:
     EffectHost& operator=(const EffectHost&) = delete;
 
     std::string about();
-    // GlobalSetup, then ParamsSetup. With `captureOutput`, what the module
-    // prints on standard output during GlobalSetup is returned instead of
-    // shown.
-    std::string setUp(bool captureOutput = false);
+    // GlobalSetup, then ParamsSetup.
+    void setUp();
     void apply(const EffectSettings& settings);
     // Renders one frame at `depth` (the input is converted to it) and
     // returns the output at that depth. `label` names the frame in messages.
@@ -51,11 +54,14 @@ public:
 
     Host::HostRuntime& runtime() { return *mRuntime; }
     const std::string& modulePath() const { return mModulePath; }
+    // What the module printed on standard output so far, unless verbose.
+    std::string moduleOutput() const { return mOutput.kept(); }
 
 private:
     ToolError failure(const std::string& command, int status) const;
 
     std::string mModulePath;
+    ModuleOutput mOutput;
     std::unique_ptr<Host::HostRuntime> mRuntime;
     std::unique_ptr<Host::PluginModule> mModule;
     std::unique_ptr<Host::EffectSession> mSession;

@@ -1,5 +1,9 @@
 #pragma once
 
+extern "C" {
+#include <libavutil/rational.h>
+}
+
 #include <string>
 
 namespace Halvane::Quorvex::Tools {
@@ -20,6 +24,11 @@ public:
     long numerator() const { return mNumerator; }
     long denominator() const { return mDenominator; }
     double framesPerSecond() const { return static_cast<double>(mNumerator) / mDenominator; }
+    // One frame's time in seconds, as a time base: 1/24, 1001/30000.
+    AVRational frameDuration() const
+    {
+        return AVRational{static_cast<int>(mDenominator), static_cast<int>(mNumerator)};
+    }
     // "24", "29.97", for messages.
     std::string text() const;
 

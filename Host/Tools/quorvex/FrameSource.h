@@ -4,6 +4,10 @@
 #include "PipelineItem.h"
 #include "PixelDepth.h"
 
+extern "C" {
+#include <libavutil/rational.h>
+}
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -20,8 +24,13 @@ struct SourceInfo {
     bool halfFloat = false;  // float samples stored as half
     bool isStill = false;    // one picture with no time of its own
     FrameRate rate;
+    // The unit of the frames' timestamps in seconds: one frame at `rate`
+    // for pictures and image sequences, the stream's time base for video.
+    AVRational timeBase{1, 24};
     std::optional<std::size_t> frameCount;  // none where the input does not say
-    long firstNumber = 1;                   // of an image sequence
+    // The number an output image sequence gives the render's first frame:
+    // the input's own for an image sequence, else the frame's place from 1.
+    long firstNumber = 1;
 };
 
 // Where the pictures of a render come from: a still, an image sequence, a

@@ -9,25 +9,25 @@ namespace Halvane::Quorvex::Tools {
 
 namespace {
 
-FrameRange RangeOf(const ImageSequencePattern& pattern, const std::optional<FrameRange>& range)
+std::vector<long> ExistingNumbers(const ImageSequencePattern& pattern)
 {
-    if (range) {
-        return *range;
-    }
-    const std::vector<long> numbers = pattern.existingNumbers();
+    std::vector<long> numbers = pattern.existingNumbers();
     if (numbers.empty()) {
         throw ToolError::runtime("no files match the image sequence '" + pattern.text() + "'");
     }
-    return FrameRange(numbers.front(), numbers.back());
+    return numbers;
 }
 
 }  // namespace
 
 ImageSequenceSource::ImageSequenceSource(const ImageSequencePattern& pattern,
                                          const std::optional<FrameRange>& range,
-                                         const FrameRate& rate)
-    : mPattern(pattern), mRange(RangeOf(pattern, range))
+                                         const FrameRate& rate, std::optional<long> startFrame)
+    : mPattern(pattern), mRange(0, 0), mStartFrame(0)
 {
+    const std::vector<long> numbers = ExistingNumbers(mPattern);
+    mRange = range.value_or(FrameRange(numbers.front(), numbers.back()));
+    mStartFrame = startFrame.value_or(numbers.front());
     for (long number = mRange.first(); number <= mRange.last(); ++number) {
         std::error_code error;
         if (!std::filesystem::exists(mPattern.pathOf(number), error)) {
@@ -45,6 +45,7 @@ ImageSequenceSource::ImageSequenceSource(const ImageSequencePattern& pattern,
     mInfo.hasAlpha = first.hasAlpha();
     mInfo.halfFloat = first.isHalfFloat();
     mInfo.rate = rate;
+    mInfo.timeBase = rate.frameDuration();
     mInfo.frameCount = mRange.count();
     mInfo.firstNumber = mRange.first();
 }
@@ -66,7 +67,8 @@ bool ImageSequenceSource::read(PipelineItem& item)
     if (frame.depth() != mInfo.depth) {
         frame = frame.convertedTo(mInfo.depth);
     }
-    item = SourceFrame{mNext++, std::move(frame)};
+    const long number = mRange.first() + static_cast<long>(mNext);
+    item = SourceFrame{mNext++, std::move(frame), number - mStartFrame, 1};
     return true;
 }
 

@@ -41,7 +41,8 @@ int InfoCommand::run()
 {
     EffectHost effect(mModulePath);
     const std::string about = effect.about();
-    const OpenGLReport gl = OpenGLReport::parse(effect.setUp(true));
+    effect.setUp();
+    const OpenGLReport gl = OpenGLReport::parse(effect.moduleOutput());
 
     mOut << about << "\n";
     mOut << "Module: " << mModulePath << "\n\n";

@@ -12,6 +12,10 @@
 #include "ToolError.h"
 #include "VideoEncoderChoice.h"
 
+extern "C" {
+#include <libavutil/mathematics.h>
+}
+
 #include <filesystem>
 #include <iostream>
 #include <optional>
@@ -55,6 +59,14 @@ int RenderCommand::run()
     if (!mOptions.fps.empty()) {
         sourceOptions.rate = FrameRate::parse("--fps", mOptions.fps);
     }
+    if (!mOptions.startFrame.empty()) {
+        long number = 0;
+        if (!ParseInteger(mOptions.startFrame, number) || number < 0) {
+            throw ToolError::usage("--start-frame: '" + mOptions.startFrame +
+                                   "' is not a frame number (a whole number from 0)");
+        }
+        sourceOptions.startFrame = number;
+    }
     const SinkFactory::Kind outputKind = SinkFactory::classify(mOptions.output);
     std::optional<VideoEncoderChoice> encoder;
     if (outputKind == SinkFactory::Kind::Video) {
@@ -63,15 +75,18 @@ int RenderCommand::run()
         throw ToolError::usage("--codec: '" + mOptions.output +
                                "' is not a video; --codec applies to video outputs");
     }
-    const bool sequenceInput = SourceFactory::namesImageSequence(mOptions.input);
-    if (sourceOptions.frames && !sequenceInput) {
-        throw ToolError::usage("--frames: '" + mOptions.input +
+    if (sourceOptions.startFrame && !SourceFactory::namesImageSequence(mOptions.input)) {
+        throw ToolError::usage("--start-frame: '" + mOptions.input +
                                "' is not an image sequence (name one like frame.%04d.png)");
     }
 
     const std::unique_ptr<FrameSource> source = SourceFactory::open(mOptions.input, sourceOptions);
     const SourceInfo& info = source->info();
     const VideoReader* video = SourceFactory::videoReaderOf(*source);
+    if (sourceOptions.frames && info.isStill) {
+        throw ToolError::usage("--frames: '" + mOptions.input +
+                               "' is a single picture, not an image sequence or a video");
+    }
     if (video && sourceOptions.rate) {
         throw ToolError::usage("--fps: '" + mOptions.input + "' is a video and keeps its own rate");
     }
@@ -90,7 +105,10 @@ int RenderCommand::run()
     }
     const FrameTimeline timeline =
         info.isStill ? FrameTimeline::forStill(time.value_or(1.0))
-                     : FrameTimeline::forClip(info.rate, timeOffset.value_or(0.0));
+                     : FrameTimeline::forClip(
+                           info.timeBase,
+                           av_rescale_q(1, info.rate.frameDuration(), info.timeBase),
+                           timeOffset.value_or(0.0));
     const PixelDepth depth = chosenDepth.value_or(info.depth);
 
     SinkFactory::Request request;
@@ -109,7 +127,7 @@ int RenderCommand::run()
         std::cerr << "quorvex: note: " << encoder->note() << "\n";
     }
 
-    EffectHost effect(mOptions.modulePath);
+    EffectHost effect(mOptions.modulePath, mOptions.verbose);
     effect.setUp();
     effect.apply(settings);
 

@@ -19,10 +19,12 @@ public:
         std::string time;
         std::string timeOffset;
         std::string frames;
+        std::string startFrame;
         std::string fps;
         std::string depth = "auto";
         std::string codec;
         bool quiet = false;
+        bool verbose = false;  // the module's own output on standard error
     };
 
     explicit RenderCommand(Options options);

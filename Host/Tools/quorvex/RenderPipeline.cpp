@@ -124,7 +124,9 @@ std::size_t RenderPipeline::run()
                                           mSource.info().name + "'";
                 SourceFrame output{
                     frame->index,
-                    mEffect.render(frame->frame, mDepth, mTimeline.timeOf(frame->index), label)};
+                    mEffect.render(frame->frame, mDepth,
+                                   mTimeline.timeOf(frame->timestamp, frame->duration), label),
+                    frame->timestamp, frame->duration};
                 ++rendered;
                 mProgress.frameDone();
                 if (!toWrite.push(std::move(output))) {

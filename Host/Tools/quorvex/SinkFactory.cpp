@@ -35,6 +35,7 @@ std::unique_ptr<FrameSink> SinkFactory::open(const std::string& target, const So
         settings.width = source.width;
         settings.height = source.height;
         settings.rate = source.rate;
+        settings.timeBase = source.timeBase;
         settings.depth = request.depth;
         return std::make_unique<VideoWriter>(target, *request.encoder, settings, request.copyFrom,
                                              request.notes);

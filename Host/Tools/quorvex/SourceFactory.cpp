@@ -49,7 +49,7 @@ std::unique_ptr<FrameSource> SourceFactory::open(const std::string& path, const 
     const FrameRate rate = options.rate.value_or(FrameRate(kDefaultRate, 1));
     if (namesImageSequence(path)) {
         return std::make_unique<ImageSequenceSource>(ImageSequencePattern(path), options.frames,
-                                                     rate);
+                                                     rate, options.startFrame);
     }
     CheckReadableFile(path);
 
@@ -63,7 +63,7 @@ std::unique_ptr<FrameSource> SourceFactory::open(const std::string& path, const 
         return std::make_unique<StillImageSource>(path, std::move(picture), rate);
     }
     picture.reset();
-    return std::make_unique<VideoReader>(path);
+    return std::make_unique<VideoReader>(path, options.frames);
 }
 
 const VideoReader* SourceFactory::videoReaderOf(const FrameSource& source)

@@ -18,8 +18,9 @@ class VideoReader;
 class SourceFactory {
 public:
     struct Options {
-        std::optional<FrameRange> frames;  // of an image sequence
+        std::optional<FrameRange> frames;  // of an image sequence or a video
         std::optional<FrameRate> rate;     // of an image sequence or a still
+        std::optional<long> startFrame;    // the number at time 0 of an image sequence
     };
 
     static constexpr long kDefaultRate = 24;

@@ -7,6 +7,7 @@ StillImageSource::StillImageSource(const std::string& path, std::unique_ptr<Imag
     : mReader(std::move(reader))
 {
     mInfo.rate = rate;
+    mInfo.timeBase = rate.frameDuration();
     mInfo.name = path;
     mInfo.width = mReader->width();
     mInfo.height = mReader->height();
@@ -22,7 +23,7 @@ bool StillImageSource::read(PipelineItem& item)
     if (!mReader) {
         return false;
     }
-    item = SourceFrame{0, mReader->read()};
+    item = SourceFrame{0, mReader->read(), 0, 1};
     mReader.reset();
     return true;
 }

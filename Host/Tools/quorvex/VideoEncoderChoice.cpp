@@ -47,6 +47,17 @@ const AVCodec* FindEncoder(const std::string& name)
     return descriptor ? avcodec_find_encoder(descriptor->id) : nullptr;
 }
 
+bool Offers(const AVCodec* codec, AVPixelFormat format)
+{
+    for (const AVPixelFormat* offered = codec->pix_fmts; offered && *offered != AV_PIX_FMT_NONE;
+         ++offered) {
+        if (*offered == format) {
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 bool VideoEncoderChoice::isVideoPath(const std::string& target)
@@ -103,14 +114,24 @@ void VideoEncoderChoice::fitTo(int width, int height, PixelDepth depth, bool has
     mNote.clear();
     const std::string encoder = mCodec->name;
     const bool deep = depth != PixelDepth::Eight;
-    if (encoder == "libx264") {
-        // 4:2:0 needs even sizes; odd ones keep every chroma sample.
-        const bool odd = width % 2 != 0 || height % 2 != 0;
-        mPixelFormat = odd ? AV_PIX_FMT_YUV444P : AV_PIX_FMT_YUV420P;
+    const bool odd = width % 2 != 0 || height % 2 != 0;
+    if (encoder == "libx264" || (encoder == "libx265" && deep)) {
+        // 4:2:0 needs even sizes; odd ones keep every chroma sample. Deep
+        // frames get 10 bits where this build of the encoder has them.
+        const bool tenBits =
+            deep && Offers(mCodec, odd ? AV_PIX_FMT_YUV444P10LE : AV_PIX_FMT_YUV420P10LE);
+        mPixelFormat = tenBits ? (odd ? AV_PIX_FMT_YUV444P10LE : AV_PIX_FMT_YUV420P10LE)
+                               : (odd ? AV_PIX_FMT_YUV444P : AV_PIX_FMT_YUV420P);
         mOptions = {{"crf", "18"}, {"preset", "medium"}};
+        const std::string name = encoder == "libx264" ? "H.264" : "HEVC";
         if (odd) {
             mNote = "the frame size " + std::to_string(width) + "x" + std::to_string(height) +
-                    " is odd, so the H.264 video is 4:4:4, which some players cannot show";
+                    " is odd, so the " + name + " video is 4:4:4, which some players cannot show";
+        }
+        if (tenBits && encoder == "libx264") {
+            mNote = (mNote.empty() ? "" : mNote + "; ") +
+                    "the H.264 video is 10-bit, which fewer players show than 8-bit (--depth 8 "
+                    "makes it 8-bit)";
         }
     } else if (encoder == "prores_ks") {
         mPixelFormat = AV_PIX_FMT_YUVA444P10LE;
@@ -124,6 +145,10 @@ void VideoEncoderChoice::fitTo(int width, int height, PixelDepth depth, bool has
         mPixelFormat = mCodec->pix_fmts ? avcodec_find_best_pix_fmt_of_list(
                                               mCodec->pix_fmts, source, hasAlpha ? 1 : 0, nullptr)
                                         : source;
+    }
+    if (encoder == "libx265") {
+        // x265 reports its settings on standard error itself.
+        mOptions.emplace_back("x265-params", "log-level=error");
     }
     const AVPixFmtDescriptor* chosen = av_pix_fmt_desc_get(mPixelFormat);
     if (hasAlpha && chosen && !(chosen->flags & AV_PIX_FMT_FLAG_ALPHA)) {

@@ -15,9 +15,10 @@ namespace Halvane::Quorvex::Tools {
 
 // How a video output is encoded. The extension picks the container and, by
 // default, the codec: .mp4 H.264 (libx264, 4:2:0, or 4:4:4 where the size
-// is odd), .mov ProRes 4444 with alpha, .mkv FFV1 (lossless, alpha kept);
-// other containers take FFmpeg's default codec. --codec names another
-// encoder.
+// is odd), .mov ProRes 4444 with alpha (10 bits), .mkv FFV1 (lossless,
+// alpha kept); other containers take FFmpeg's default codec. --codec names
+// another encoder. Frames deeper than 8 bits get the encoder's deepest
+// matching format: 10-bit libx264 and libx265, 16-bit FFV1.
 class VideoEncoderChoice {
 public:
     // Whether the path names a video file to write: FFmpeg has a container

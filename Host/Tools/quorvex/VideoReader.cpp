@@ -9,11 +9,19 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <numeric>
 
 namespace Halvane::Quorvex::Tools {
 
 namespace {
+
+// The finest time scale frames are delivered in: 2^31 units of it last
+// about five hours.
+constexpr std::int64_t kFinestScale = 120000;
 
 constexpr int kScaleFlags =
     SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP;
@@ -37,7 +45,8 @@ std::optional<std::size_t> EstimatedFrameCount(const AVFormatContext& format,
 
 }  // namespace
 
-VideoReader::VideoReader(const std::string& path) : mPath(path)
+VideoReader::VideoReader(const std::string& path, const std::optional<FrameRange>& range)
+    : mPath(path), mRange(range)
 {
     try {
         open();
@@ -89,17 +98,42 @@ void VideoReader::open()
     const AVRational rate = av_guess_frame_rate(mFormat, stream, nullptr);
     mInfo.name = path;
     mInfo.rate = rate.num > 0 && rate.den > 0 ? FrameRate(rate.num, rate.den) : FrameRate(25, 1);
-    mInfo.frameCount = EstimatedFrameCount(*mFormat, *stream, mInfo.rate);
-    if (stream->start_time != AV_NOPTS_VALUE) {
-        mStartMicroseconds = av_rescale_q(stream->start_time, stream->time_base, AV_TIME_BASE_Q);
+    // Where that base grows too fine for the host's 32-bit time to reach
+    // the end of a long video (90 kHz ticks and 23.976 fps: 1/360000 s),
+    // frames are timed to 1/rate-numerator second (1/24000 s) instead.
+    std::int64_t fine = std::lcm<std::int64_t>(stream->time_base.den, mInfo.rate.numerator());
+    if (fine > kFinestScale) {
+        fine = mInfo.rate.numerator();
     }
+    mDeliveredBase = AVRational{1, static_cast<int>(fine)};
+    mFrameTicks = mInfo.rate.denominator() * (fine / mInfo.rate.numerator());
+    mInfo.timeBase = mDeliveredBase;
+    mInfo.frameCount = mRange ? std::optional<std::size_t>(mRange->count())
+                              : EstimatedFrameCount(*mFormat, *stream, mInfo.rate);
+    mInfo.firstNumber = mRange ? mRange->first() + 1 : 1;
+    mNominalStep =
+        std::max<std::int64_t>(1, av_rescale_q(1, mInfo.rate.frameDuration(), stream->time_base));
+    mStart = stream->start_time;
+    mPastEnd.assign(mFormat->nb_streams, false);
 
-    // The first picture settles size and depth, and shows the file decodes.
-    while (mDecoded == 0) {
+    // The first picture settles size and depth, and shows the file decodes;
+    // the range's first one sets the output's clock.
+    while (!mOrigin) {
         if (!pump()) {
-            throw ToolError::runtime(notMedia + " (nothing in it decodes as a picture)");
+            if (mDecoded == 0) {
+                throw ToolError::runtime(notMedia + " (nothing in it decodes as a picture)");
+            }
+            throw tooShort();
         }
     }
+}
+
+ToolError VideoReader::tooShort() const
+{
+    return ToolError::runtime("'" + mPath + "' has " + std::to_string(mDecoded) +
+                              " frames (0 to " + std::to_string(mDecoded - 1) +
+                              "), so --frames " + std::to_string(mRange->first()) + ":" +
+                              std::to_string(mRange->last()) + " reaches past its end");
 }
 
 VideoReader::~VideoReader()
@@ -126,6 +160,9 @@ bool VideoReader::read(PipelineItem& item)
 {
     while (mPending.empty()) {
         if (!pump()) {
+            if (mRange && mDecoded <= static_cast<std::size_t>(mRange->last())) {
+                throw tooShort();
+            }
             return false;
         }
     }
@@ -134,9 +171,22 @@ bool VideoReader::read(PipelineItem& item)
     return true;
 }
 
+bool VideoReader::doneReading() const
+{
+    if (!mEnd) {
+        return false;
+    }
+    for (unsigned i = 0; i < mPastEnd.size(); ++i) {
+        if (static_cast<int>(i) != mStreamIndex && !mPastEnd[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
 bool VideoReader::pump()
 {
-    if (mEndOfFile) {
+    if (mEndOfFile || doneReading()) {
         return false;
     }
     const int error = av_read_frame(mFormat, mPacket);
@@ -144,12 +194,18 @@ bool VideoReader::pump()
         mEndOfFile = true;
         avcodec_send_packet(mDecoder, nullptr);
         receiveFrames();
+        releaseHeld(mEnd.value_or(INT64_MAX));
         return true;
     }
     if (error < 0) {
         throw failure("cannot read", error);
     }
     if (mPacket->stream_index == mStreamIndex) {
+        if (mEnd) {
+            // Past the range: nothing more of the video is needed.
+            av_packet_unref(mPacket);
+            return true;
+        }
         const int sent = avcodec_send_packet(mDecoder, mPacket);
         av_packet_unref(mPacket);
         if (sent < 0 && sent != AVERROR(EAGAIN)) {
@@ -163,9 +219,63 @@ bool VideoReader::pump()
             throw ToolError::runtime("cannot read '" + mPath + "': out of memory");
         }
         av_packet_move_ref(copy, mPacket);
-        mPending.emplace_back(PassThroughPacket(copy));
+        mHeld.emplace_back(copy);
+        if (mOrigin) {
+            // Without a range, or once the range's end is known, a packet's
+            // fate is settled as it comes.
+            releaseHeld(mRange ? mEnd.value_or(mLastTimestamp) : INT64_MAX);
+        }
     }
     return true;
+}
+
+std::int64_t VideoReader::videoTimeOf(const AVPacket& packet) const
+{
+    const std::int64_t time = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+    if (time == AV_NOPTS_VALUE) {
+        return AV_NOPTS_VALUE;
+    }
+    return av_rescale_q(time, mFormat->streams[packet.stream_index]->time_base,
+                        mFormat->streams[mStreamIndex]->time_base);
+}
+
+void VideoReader::releaseHeld(std::int64_t until)
+{
+    if (!mOrigin) {
+        return;
+    }
+    const AVRational videoBase = mFormat->streams[mStreamIndex]->time_base;
+    while (!mHeld.empty()) {
+        AVPacket* packet = mHeld.front().get();
+        const AVRational base = mFormat->streams[packet->stream_index]->time_base;
+        const std::int64_t time = videoTimeOf(*packet);
+        if (mRange && time != AV_NOPTS_VALUE) {
+            // A packet goes with the range when it lies within the range's
+            // time, so that segments joined end to end keep their places.
+            const std::int64_t end = time + av_rescale_q(packet->duration, base, videoBase);
+            if (mEnd && time >= *mEnd) {
+                mPastEnd[static_cast<std::size_t>(packet->stream_index)] = true;
+            }
+            const bool outside = (mEnd && end > *mEnd) ||
+                                 (mRange->first() > 0 && time < *mOrigin);
+            if (!outside && end > until) {
+                return;
+            }
+            if (outside) {
+                mHeld.pop_front();
+                continue;
+            }
+        }
+        const std::int64_t shift = av_rescale_q(*mOrigin, videoBase, base);
+        if (packet->pts != AV_NOPTS_VALUE) {
+            packet->pts -= shift;
+        }
+        if (packet->dts != AV_NOPTS_VALUE) {
+            packet->dts -= shift;
+        }
+        mPending.emplace_back(std::move(mHeld.front()));
+        mHeld.pop_front();
+    }
 }
 
 void VideoReader::receiveFrames()
@@ -188,10 +298,47 @@ void VideoReader::receiveFrames()
                                                                       : PixelDepth::Eight;
             mInfo.hasAlpha = descriptor && (descriptor->flags & AV_PIX_FMT_FLAG_ALPHA);
         }
-        RgbaFrame picture = convert(*mFrame);
+        std::int64_t timestamp = mFrame->best_effort_timestamp;
+        if (timestamp == AV_NOPTS_VALUE) {
+            timestamp = mDecoded == 0 ? 0 : mLastTimestamp + mNominalStep;
+        }
+        if (mStart == AV_NOPTS_VALUE) {
+            mStart = timestamp;
+        }
+        const std::size_t number = mDecoded++;
+        const bool inRange = !mRange || (number >= static_cast<std::size_t>(mRange->first()) &&
+                                         number <= static_cast<std::size_t>(mRange->last()));
+        if (inRange && !mEnd) {
+            mLastTimestamp = timestamp;
+            deliverFrame(timestamp, mFrame->pkt_duration);
+            if (mRange && number == static_cast<std::size_t>(mRange->last())) {
+                mEnd = timestamp + (mFrame->pkt_duration > 0 ? mFrame->pkt_duration : mNominalStep);
+            }
+            releaseHeld(mRange ? mEnd.value_or(timestamp) : INT64_MAX);
+        }
         av_frame_unref(mFrame);
-        mPending.emplace_back(SourceFrame{mDecoded++, std::move(picture)});
     }
+}
+
+void VideoReader::deliverFrame(std::int64_t timestamp, std::int64_t duration)
+{
+    if (!mOrigin) {
+        mOrigin = timestamp;
+    }
+    const AVRational base = mFormat->streams[mStreamIndex]->time_base;
+    std::int64_t delivered = av_rescale_q(timestamp - mStart, base, mDeliveredBase);
+    std::int64_t length = duration > 0 ? av_rescale_q(duration, base, mDeliveredBase) : 0;
+    if (mFrameTicks > 0) {
+        // Within half a tick of the stream of a whole frame: on it.
+        const std::int64_t frame = (delivered + mFrameTicks / 2) / mFrameTicks;
+        const std::int64_t halfTick = av_rescale_q(1, base, mDeliveredBase) / 2;
+        if (std::abs(delivered - frame * mFrameTicks) <= halfTick) {
+            delivered = frame * mFrameTicks;
+            length = mFrameTicks;
+        }
+    }
+    RgbaFrame picture = convert(*mFrame);
+    mPending.emplace_back(SourceFrame{mDelivered++, std::move(picture), delivered, length});
 }
 
 RgbaFrame VideoReader::convert(const AVFrame& frame)

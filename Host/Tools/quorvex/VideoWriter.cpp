@@ -11,6 +11,8 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 
+#include <algorithm>
+#include <cstring>
 #include <filesystem>
 
 namespace Halvane::Quorvex::Tools {
@@ -25,6 +27,61 @@ bool IsQuickTimeFamily(const AVOutputFormat& container)
     const std::string name = container.name;
     return name == "mp4" || name == "mov" || name == "ipod";
 }
+
+// How the output's pictures are described, and for YUV encoded: the input
+// video's colour description where it gives one (primaries and transfer
+// only name what the pixels already are; matrix and range as far as the
+// scaler can encode them), BT.709 in limited range for YUV otherwise.
+struct ColourDescription {
+    AVColorPrimaries primaries = AVCOL_PRI_UNSPECIFIED;
+    AVColorTransferCharacteristic transfer = AVCOL_TRC_UNSPECIFIED;
+    AVColorSpace matrix = AVCOL_SPC_RGB;
+    AVColorRange range = AVCOL_RANGE_JPEG;
+};
+
+bool ScalerEncodesMatrix(AVColorSpace matrix)
+{
+    switch (matrix) {
+    case AVCOL_SPC_BT709:
+    case AVCOL_SPC_FCC:
+    case AVCOL_SPC_BT470BG:
+    case AVCOL_SPC_SMPTE170M:
+    case AVCOL_SPC_SMPTE240M:
+    case AVCOL_SPC_BT2020_NCL:
+        return true;
+    default:
+        return false;
+    }
+}
+
+ColourDescription DescribeColour(const AVCodecParameters* input, bool yuv)
+{
+    ColourDescription colour;
+    if (yuv) {
+        colour = {AVCOL_PRI_BT709, AVCOL_TRC_BT709, AVCOL_SPC_BT709, AVCOL_RANGE_MPEG};
+    }
+    if (!input) {
+        return colour;
+    }
+    if (input->color_primaries != AVCOL_PRI_UNSPECIFIED) {
+        colour.primaries = input->color_primaries;
+    }
+    if (input->color_trc != AVCOL_TRC_UNSPECIFIED) {
+        colour.transfer = input->color_trc;
+    }
+    if (yuv && ScalerEncodesMatrix(input->color_space)) {
+        colour.matrix = input->color_space;
+    }
+    if (yuv && input->color_range != AVCOL_RANGE_UNSPECIFIED) {
+        colour.range = input->color_range;
+    }
+    return colour;
+}
+
+// Stream tags that describe the input's encoding, not the picture.
+constexpr const char* kEncodingTags[] = {"encoder", "duration", "BPS", "NUMBER_OF_FRAMES",
+                                         "NUMBER_OF_BYTES", "_STATISTICS_WRITING_APP",
+                                         "_STATISTICS_WRITING_DATE_UTC", "_STATISTICS_TAGS"};
 
 }  // namespace
 
@@ -67,18 +124,24 @@ void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copy
     }
     mEncoder->width = mSettings.width;
     mEncoder->height = mSettings.height;
-    mEncoder->time_base = AVRational{static_cast<int>(mSettings.rate.denominator()),
-                                     static_cast<int>(mSettings.rate.numerator())};
+    mEncoder->time_base = mSettings.timeBase;
     mEncoder->framerate = AVRational{static_cast<int>(mSettings.rate.numerator()),
                                      static_cast<int>(mSettings.rate.denominator())};
+    mNominalDuration =
+        std::max<std::int64_t>(1, av_rescale_q(1, mSettings.rate.frameDuration(), mSettings.timeBase));
     mEncoder->pix_fmt = choice.pixelFormat();
     mEncoder->sample_aspect_ratio = AVRational{1, 1};
     mEncoder->thread_count = 0;
-    if (choice.isYuv()) {
-        mEncoder->color_range = AVCOL_RANGE_MPEG;
-        mEncoder->colorspace = AVCOL_SPC_BT709;
-        mEncoder->color_primaries = AVCOL_PRI_BT709;
-        mEncoder->color_trc = AVCOL_TRC_BT709;
+    const bool yuv = choice.isYuv();
+    const AVCodecParameters* input =
+        copyFrom ? copyFrom->container()->streams[copyFrom->videoStreamIndex()]->codecpar
+                 : nullptr;
+    const ColourDescription colour = DescribeColour(input, yuv);
+    if (yuv || input) {
+        mEncoder->color_primaries = colour.primaries;
+        mEncoder->color_trc = colour.transfer;
+        mEncoder->colorspace = colour.matrix;
+        mEncoder->color_range = colour.range;
     }
     if (mFormat->oformat->flags & AVFMT_GLOBALHEADER) {
         mEncoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
@@ -104,6 +167,7 @@ void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copy
     mStream->r_frame_rate = mEncoder->framerate;
 
     if (copyFrom) {
+        describeAsInput(*copyFrom);
         copyStreams(*copyFrom, notes);
     }
 
@@ -143,16 +207,36 @@ void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copy
         throw ToolError::runtime("cannot write '" + mOutput.target() +
                                  "': no conversion to the encoder's pixel format");
     }
-    const bool yuv = choice.isYuv();
     sws_setColorspaceDetails(mScaler, sws_getCoefficients(SWS_CS_DEFAULT), 1,
-                             sws_getCoefficients(yuv ? SWS_CS_ITU709 : SWS_CS_DEFAULT), yuv ? 0 : 1,
-                             0, 1 << 16, 1 << 16);
+                             sws_getCoefficients(yuv ? colour.matrix : SWS_CS_DEFAULT),
+                             yuv && colour.range != AVCOL_RANGE_JPEG ? 0 : 1, 0, 1 << 16, 1 << 16);
+}
+
+void VideoWriter::describeAsInput(const VideoReader& reader)
+{
+    const AVStream* input = reader.container()->streams[reader.videoStreamIndex()];
+    av_dict_copy(&mStream->metadata, input->metadata, 0);
+    for (const char* tag : kEncodingTags) {
+        av_dict_set(&mStream->metadata, tag, nullptr, 0);
+    }
+    // The rotation, as the display matrix; a `rotate` tag came with the
+    // metadata.
+    std::size_t size = 0;
+    const std::uint8_t* matrix =
+        av_stream_get_side_data(input, AV_PKT_DATA_DISPLAYMATRIX, &size);
+    if (!matrix) {
+        return;
+    }
+    std::uint8_t* copy = av_stream_new_side_data(mStream, AV_PKT_DATA_DISPLAYMATRIX, size);
+    if (!copy) {
+        throw failure("write", AVERROR(ENOMEM));
+    }
+    std::memcpy(copy, matrix, size);
 }
 
 void VideoWriter::copyStreams(const VideoReader& reader, std::ostream* notes)
 {
     const AVFormatContext* input = reader.container();
-    mShiftMicroseconds = reader.videoStartMicroseconds();
     mStreamMap.assign(input->nb_streams, -1);
     mInputTimeBases.resize(input->nb_streams);
     av_dict_copy(&mFormat->metadata, input->metadata, 0);
@@ -222,7 +306,11 @@ void VideoWriter::write(const SourceFrame& source)
                                      nullptr, nullptr};
     const int strides[4] = {static_cast<int>(picture->rowBytes()), 0, 0, 0};
     sws_scale(mScaler, planes, strides, 0, mSettings.height, mFrame->data, mFrame->linesize);
-    mFrame->pts = static_cast<std::int64_t>(source.index);
+    if (!mOrigin) {
+        mOrigin = source.timestamp;
+    }
+    mFrame->pts = source.timestamp - *mOrigin;
+    mDurations[mFrame->pts] = source.duration > 0 ? source.duration : mNominalDuration;
     encode(mFrame);
 }
 
@@ -239,6 +327,14 @@ void VideoWriter::encode(AVFrame* frame)
         }
         if (error < 0) {
             throw failure("encode", error);
+        }
+        // Encoders do not all carry a frame's duration over; the last
+        // frame's tells where the video ends.
+        if (const auto duration = mDurations.find(mPacket->pts); duration != mDurations.end()) {
+            if (mPacket->duration <= 0) {
+                mPacket->duration = duration->second;
+            }
+            mDurations.erase(duration);
         }
         av_packet_rescale_ts(mPacket, mEncoder->time_base, mStream->time_base);
         mPacket->stream_index = mStream->index;
@@ -259,13 +355,6 @@ void VideoWriter::pass(PassThroughPacket& packet)
     AVPacket* data = packet.get();
     const AVRational inputBase = mInputTimeBases[static_cast<std::size_t>(input)];
     const AVStream* output = mFormat->streams[mStreamMap[static_cast<std::size_t>(input)]];
-    const std::int64_t shift = av_rescale_q(mShiftMicroseconds, AV_TIME_BASE_Q, inputBase);
-    if (data->pts != AV_NOPTS_VALUE) {
-        data->pts -= shift;
-    }
-    if (data->dts != AV_NOPTS_VALUE) {
-        data->dts -= shift;
-    }
     av_packet_rescale_ts(data, inputBase, output->time_base);
     data->stream_index = output->index;
     data->pos = -1;

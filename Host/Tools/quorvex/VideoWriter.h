@@ -11,6 +11,8 @@ extern "C" {
 }
 
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -28,15 +30,19 @@ class VideoEncoderChoice;
 class VideoReader;
 
 // A video file written through the FFmpeg libraries: the rendered pictures
-// encoded as the choice says, at a constant rate, one output frame for each
-// input frame; and, when the input is a video, its other streams (audio,
-// subtitles) copied unchanged with their timestamps carried over.
+// encoded as the choice says, one output frame for each input frame, each
+// at its own timestamp from the first one's (so variable-rate input stays
+// variable-rate); and, when the input is a video, its other streams (audio,
+// subtitles) copied unchanged with their timestamps carried over, and its
+// rotation, colour description and metadata kept where the container can
+// hold them.
 class VideoWriter : public FrameSink {
 public:
     struct Settings {
         int width = 0;
         int height = 0;
         FrameRate rate;
+        AVRational timeBase{1, 24};  // of the frames' timestamps
         PixelDepth depth = PixelDepth::Eight;
     };
 
@@ -57,6 +63,8 @@ public:
 private:
     void open(const VideoEncoderChoice& choice, const VideoReader* copyFrom, std::ostream* notes);
     void copyStreams(const VideoReader& reader, std::ostream* notes);
+    // The input video's rotation and metadata on the output's video stream.
+    void describeAsInput(const VideoReader& reader);
     void release();
     // Sends a picture to the encoder (none: the end) and writes what comes out.
     void encode(AVFrame* frame);
@@ -72,7 +80,9 @@ private:
     AVPacket* mPacket = nullptr;
     std::vector<int> mStreamMap;  // input stream -> output stream, -1 for none
     std::vector<AVRational> mInputTimeBases;
-    std::int64_t mShiftMicroseconds = 0;
+    std::optional<std::int64_t> mOrigin;  // the first frame's timestamp
+    std::int64_t mNominalDuration = 1;
+    std::map<std::int64_t, std::int64_t> mDurations;  // by pts, until encoded
 };
 
 }  // namespace Halvane::Quorvex::Tools

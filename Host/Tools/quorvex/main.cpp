@@ -37,9 +37,13 @@ int main(int argc, char** argv)
     app.require_subcommand(0, 1);
     std::string modulePath = DefaultModulePath();
     bool quiet = false;
+    bool verbose = false;
     app.add_option("--plugin", modulePath, "the effect module (default: Quorvex.so beside quorvex)")
         ->type_name("PATH");
     app.add_flag("-q,--quiet", quiet, "no progress or notes on standard error");
+    app.add_flag("-v,--verbose", verbose,
+                 "show what the effect module prints (its OpenGL report) on standard error; "
+                 "without it, that is shown only when the module fails");
 
     RenderCommand::Options render;
     CLI::App* renderCommand =
@@ -68,9 +72,13 @@ int main(int argc, char** argv)
            "default 1");
     option("--time", render.time, "SECONDS", "the time of a single picture (default 1)");
     option("--time-offset", render.timeOffset, "SECONDS",
-           "the time of a clip's first frame (default 0)");
+           "the time of the source's first frame (default 0)");
     option("--frames", render.frames, "FIRST:LAST",
-           "frame numbers of an input image sequence (default: all files that match)");
+           "the frames to render: file numbers of an image sequence (default: all files that "
+           "match), or frames of a video counted from 0 as ffmpeg counts them (default: all)");
+    option("--start-frame", render.startFrame, "S",
+           "the image sequence's frame number at time-offset (default: the first number on "
+           "disk that matches)");
     option("--fps", render.fps, "RATE",
            "frame rate of an image sequence or picture input: 24, 29.97, 30000/1001 "
            "(default 24)");
@@ -79,6 +87,13 @@ int main(int argc, char** argv)
            "the input (default)");
     option("--codec", render.codec, "ENCODER",
            "the FFmpeg encoder of a video output: libx264, prores_ks, ffv1, ...");
+    renderCommand->footer(
+        "A frame's time comes from its place in the source, never from the first frame a run\n"
+        "renders: frame n of an image sequence is at (n - S) / fps + time-offset, S being the\n"
+        "first frame number on disk that matches the pattern (or --start-frame); a video frame\n"
+        "is at its own timestamp minus the video stream's start, plus time-offset. --frames\n"
+        "chooses frames and never moves their times, so renders of chunks (--frames 1:100,\n"
+        "--frames 101:200, ...) give exactly the frames of one render of the whole.");
     renderCommand->fallthrough();
 
     std::string demoFolder = DemoCommand::kDefaultFolder;
@@ -122,10 +137,11 @@ int main(int argc, char** argv)
         if (*renderCommand) {
             render.modulePath = modulePath;
             render.quiet = quiet;
+            render.verbose = verbose;
             return RenderCommand(render).run();
         }
         if (*demoCommand) {
-            return DemoCommand(demoFolder, modulePath, quiet).run();
+            return DemoCommand(demoFolder, modulePath, quiet, verbose).run();
         }
         return InfoCommand(modulePath, std::cout).run();
     } catch (const ToolError& error) {

@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <optional>
+
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/display.h>
 #include <libavutil/pixdesc.h>
 #include <libswscale/swscale.h>
 }
@@ -49,8 +53,21 @@ MediaSummary MediaProbe::probe(const std::string& path, bool keepPictures)
     summary.rateDenominator = rate.den;
     summary.width = video->codecpar->width;
     summary.height = video->codecpar->height;
-    const char* format = av_get_pix_fmt_name(static_cast<AVPixelFormat>(video->codecpar->format));
+    const AVCodecParameters* parameters = video->codecpar;
+    const char* format = av_get_pix_fmt_name(static_cast<AVPixelFormat>(parameters->format));
     summary.pixelFormat = format ? format : "";
+    summary.colour = std::string(av_color_primaries_name(parameters->color_primaries)) + "/" +
+                     av_color_transfer_name(parameters->color_trc) + "/" +
+                     av_color_space_name(parameters->color_space) + "/" +
+                     av_color_range_name(parameters->color_range);
+    if (const auto* matrix = reinterpret_cast<const std::int32_t*>(
+            av_stream_get_side_data(video, AV_PKT_DATA_DISPLAYMATRIX, nullptr))) {
+        summary.rotation = av_display_rotation_get(matrix);
+    }
+    if (const AVDictionaryEntry* title = av_dict_get(container->metadata, "title", nullptr, 0)) {
+        summary.title = title->value;
+    }
+    std::optional<double> audioStart;
 
     const AVCodec* codec = avcodec_find_decoder(video->codecpar->codec_id);
     AVCodecContext* decoder = avcodec_alloc_context3(codec);
@@ -62,6 +79,8 @@ MediaSummary MediaProbe::probe(const std::string& path, bool keepPictures)
     const auto receive = [&] {
         while (avcodec_receive_frame(decoder, frame) == 0) {
             ++summary.frames;
+            summary.frameSeconds.push_back(static_cast<double>(frame->best_effort_timestamp) *
+                                           av_q2d(video->time_base));
             if (keepPictures) {
                 scaler = sws_getCachedContext(scaler, frame->width, frame->height,
                                               static_cast<AVPixelFormat>(frame->format),
@@ -79,6 +98,15 @@ MediaSummary MediaProbe::probe(const std::string& path, bool keepPictures)
     };
     while (av_read_frame(container, packet) >= 0) {
         ++summary.streams[static_cast<std::size_t>(packet->stream_index)].packets;
+        const AVStream* stream = container->streams[packet->stream_index];
+        if (stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
+            const double start = static_cast<double>(packet->pts) * av_q2d(stream->time_base);
+            audioStart = std::min(audioStart.value_or(start), start);
+            summary.audioSeconds = std::max(
+                summary.audioSeconds,
+                static_cast<double>(packet->pts + packet->duration) * av_q2d(stream->time_base) -
+                    *audioStart);
+        }
         if (packet->stream_index == videoIndex) {
             EXPECT_GE(avcodec_send_packet(decoder, packet), 0);
             receive();

@@ -21,7 +21,13 @@ struct MediaSummary {
     int rateNumerator = 0;
     int rateDenominator = 0;
     std::string pixelFormat;
-    int frames = 0;  // decoded pictures
+    // "primaries/transfer/matrix/range" as FFmpeg names them.
+    std::string colour;
+    double rotation = 0.0;  // degrees counter-clockwise, from the display matrix
+    std::string title;      // the container's
+    int frames = 0;         // decoded pictures
+    std::vector<double> frameSeconds;  // each picture's timestamp
+    double audioSeconds = 0.0;         // from the first audio packet to the last one's end
     // Every picture as 8-bit RGBA, when asked for.
     std::vector<std::vector<std::uint8_t>> pictures;
 

@@ -10,6 +10,7 @@ extern "C" {
 }
 
 #include <cmath>
+#include <cstdlib>
 #include <stdexcept>
 
 namespace Halvane::Quorvex::Testing {
@@ -201,6 +202,12 @@ void TestMedia::writeClip(const std::string& path, const Clip& clip, const ClipF
     avcodec_free_context(&audio);
     avio_closep(&container->pb);
     avformat_free_context(container);
+}
+
+void TestMedia::runCommand(const std::string& folder, const std::string& command)
+{
+    const std::string line = "cd '" + folder + "' && " + command + " </dev/null";
+    EXPECT_EQ(std::system(line.c_str()), 0) << line;
 }
 
 }  // namespace Halvane::Quorvex::Testing

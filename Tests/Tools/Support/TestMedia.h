@@ -52,6 +52,11 @@ public:
     // Writes a lossless clip (FFV1 with alpha, in Matroska) with a stereo
     // AAC track as long as the video, if `clip.audio`.
     static void writeClip(const std::string& path, const Clip& clip, const ClipFunction& sample);
+
+    // Runs a command line with /bin/sh in `folder`, as a user would type it
+    // (the `ffmpeg` and `parallel` programs); fails the test, naming the
+    // command, unless it exits 0.
+    static void runCommand(const std::string& folder, const std::string& command);
 };
 
 }  // namespace Halvane::Quorvex::Testing

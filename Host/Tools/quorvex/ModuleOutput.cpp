@@ -1,0 +1,90 @@
+#include "ModuleOutput.h"
+
+#include "ToolError.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Halvane::Quorvex::Tools {
+
+namespace {
+
+constexpr off_t kKeptTail = 64 * 1024;
+
+void FlushStandardOutput()
+{
+    std::cout.flush();
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+ModuleOutput::ModuleOutput(bool toStandardError)
+{
+    if (toStandardError) {
+        mTarget = STDERR_FILENO;
+        return;
+    }
+    // An unlinked temporary file rather than a pipe: however much the
+    // module prints, nothing blocks.
+    std::FILE* file = std::tmpfile();
+    if (!file) {
+        throw ToolError::runtime(std::string("cannot keep the effect module's output: ") +
+                                 std::strerror(errno));
+    }
+    mKeptFile = ::dup(fileno(file));
+    std::fclose(file);
+    if (mKeptFile < 0) {
+        throw ToolError::runtime(std::string("cannot keep the effect module's output: ") +
+                                 std::strerror(errno));
+    }
+    mTarget = mKeptFile;
+}
+
+ModuleOutput::~ModuleOutput()
+{
+    if (mKeptFile >= 0) {
+        ::close(mKeptFile);
+    }
+}
+
+std::string ModuleOutput::kept() const
+{
+    std::string text;
+    struct stat status {};
+    if (mKeptFile < 0 || ::fstat(mKeptFile, &status) != 0) {
+        return text;
+    }
+    const off_t start = status.st_size > kKeptTail ? status.st_size - kKeptTail : 0;
+    text.resize(static_cast<std::size_t>(status.st_size - start));
+    const ssize_t count = ::pread(mKeptFile, text.data(), text.size(), start);
+    text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+    return text;
+}
+
+// Best effort: where a descriptor cannot be had, the module prints where it
+// would have printed anyway.
+ModuleOutput::Redirection::Redirection(int target)
+{
+    FlushStandardOutput();
+    mSaved = ::dup(STDOUT_FILENO);
+    if (mSaved >= 0 && ::dup2(target, STDOUT_FILENO) < 0) {
+        ::close(mSaved);
+        mSaved = -1;
+    }
+}
+
+ModuleOutput::Redirection::~Redirection()
+{
+    if (mSaved >= 0) {
+        FlushStandardOutput();
+        ::dup2(mSaved, STDOUT_FILENO);
+        ::close(mSaved);
+    }
+}
+
+}  // namespace Halvane::Quorvex::Tools

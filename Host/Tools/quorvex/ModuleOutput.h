@@ -1,0 +1,51 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+namespace Halvane::Quorvex::Tools {
+
+// Where what an effect module prints on standard output goes while the
+// module runs (its OpenGL report, shader logs): kept aside, to be read back
+// or shown when the module fails, or passed on to standard error. Either
+// way a host's own standard output stays free of it. The redirection is of
+// file descriptor 1, so C stdio and C++ streams are caught alike; the host
+// must print nothing on standard output while a call runs.
+class ModuleOutput {
+public:
+    // Throws ToolError (runtime) when no file can be made to keep the output.
+    explicit ModuleOutput(bool toStandardError);
+    ~ModuleOutput();
+
+    ModuleOutput(const ModuleOutput&) = delete;
+    ModuleOutput& operator=(const ModuleOutput&) = delete;
+
+    // Runs `call` with standard output redirected and returns its result.
+    template <typename Call>
+    auto around(Call&& call)
+    {
+        const Redirection redirection(mTarget);
+        return std::forward<Call>(call)();
+    }
+
+    bool toStandardError() const { return mKeptFile < 0; }
+    // What was kept so far: its last 64 KiB. Empty when passed on.
+    std::string kept() const;
+
+private:
+    class Redirection {
+    public:
+        explicit Redirection(int target);
+        ~Redirection();
+        Redirection(const Redirection&) = delete;
+        Redirection& operator=(const Redirection&) = delete;
+
+    private:
+        int mSaved = -1;
+    };
+
+    int mKeptFile = -1;
+    int mTarget = -1;
+};
+
+}  // namespace Halvane::Quorvex::Tools
