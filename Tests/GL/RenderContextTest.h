@@ -13,8 +13,8 @@
 #include <cmath>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace Halvane::Quorvex::Testing {
@@ -73,18 +73,6 @@ protected:
                                            output.layer(), &inData, format, pixelSize, type);
     }
 
-    // Runs `work` on a new thread with that thread's render context current,
-    // and lets the context go from the thread before it ends.
-    static void onAnotherThread(const std::function<void()>& work)
-    {
-        std::thread thread([&] {
-            AEOpenGLContextManager::getCurrentRenderContext()->makeContextCurrent();
-            work();
-            releaseCurrent();
-        });
-        thread.join();
-    }
-
     // The RGBA floats of level 0 of a 2D texture, rows bottom first.
     static std::vector<float> textureContents(gl::GLuint texture)
     {
@@ -113,6 +101,27 @@ protected:
                      rgba.data());
         glBindTexture(GL_TEXTURE_2D, 0);
         return texture;
+    }
+
+    // The GL objects alive in the current context among the first names of
+    // each kind, as "kind name": what a step made or deleted shows as a
+    // difference of two of these.
+    static std::set<std::string> liveObjects()
+    {
+        using namespace gl;
+        const std::pair<const char*, GLboolean (*)(GLuint)> kinds[] = {
+            {"framebuffer", glIsFramebuffer}, {"renderbuffer", glIsRenderbuffer}, {"texture", glIsTexture},
+            {"vertex array", glIsVertexArray}, {"buffer", glIsBuffer}, {"program", glIsProgram},
+        };
+        std::set<std::string> live;
+        for (const auto& [kind, exists] : kinds) {
+            for (GLuint name = 1; name < 100; ++name) {
+                if (exists(name) == GL_TRUE) {
+                    live.insert(std::string(kind) + " " + std::to_string(name));
+                }
+            }
+        }
+        return live;
     }
 
     static gl::GLint integer(gl::GLenum name)
