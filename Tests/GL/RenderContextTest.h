@@ -12,7 +12,6 @@
 
 #include <cmath>
 #include <functional>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -38,7 +37,6 @@ protected:
 
     void TearDown() override
     {
-        mBackground.reset();
         if (AEOpenGLContext* shared = AEOpenGLContextManager::getSharedDataContext()) {
             shared->makeContextCurrent();
         }
@@ -51,27 +49,6 @@ protected:
     }
 
     static AEOpenglMainFrameBuffer& frame() { return *AEOpenglMainFrameBuffer::mainFrameBuffer(); }
-
-    // One frame as the effect runs it, with BackgroundRender as an effect that
-    // changes nothing: the output should come back equal to the input.
-    void runFrame(Host::World& input, Host::World& output)
-    {
-        PF_InData inData = mHost.inData();
-        const PF_PixelFormat format = input.format();
-        frame().prepare(input.width(), input.height(), true, AEOpenGLUtilities::RenderTargetFormat(format));
-        frame().beginDrawing();
-        unsigned long pixelSize = 0;
-        gl::GLenum type = gl::GL_NONE;
-        float multiplier = 0.0f;
-        const gl::GLuint texture = AEOpenGLUtilities::UploadTexture(
-            format, input.layer(), output.layer(), &inData, pixelSize, type, multiplier, false);
-        mBackground->draw(texture, multiplier);
-        gl::glDeleteTextures(1, &texture);
-        frame().endDrawing(multiplier);
-        AEOpenGLUtilities::DownloadTexture(static_cast<unsigned>(input.width()),
-                                           static_cast<unsigned>(input.height()), input.layer(),
-                                           output.layer(), &inData, format, pixelSize, type);
-    }
 
     // The RGBA floats of level 0 of a 2D texture, rows bottom first.
     static std::vector<float> textureContents(gl::GLuint texture)
@@ -132,7 +109,6 @@ protected:
     }
 
     Host::HostRuntime mHost;
-    std::optional<BackgroundRender> mBackground{std::in_place};
 };
 
 // Host pixels by channel in units of the depth's white (1 is 255, 32768 or
