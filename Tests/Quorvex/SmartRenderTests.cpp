@@ -1,8 +1,6 @@
 // Frames through the module's entry point, compared with the CPU model.
-#include "RandomProbe.h"
 #include "RenderingModuleTest.h"
 
-#include <cmath>
 #include <cstring>
 #include <thread>
 
@@ -60,33 +58,6 @@ TEST_F(SmartRenderTest, BothGlitchesMatchTheModelAtEveryDepth)
             expectMatchesModel(output, model(*input, c.seconds, c.type, c.speed), tolerance(format), what);
             EXPECT_TRUE(output.paddingIntact()) << what;
         }
-    }
-}
-
-TEST_F(SmartRenderTest, TheProbeAgreesWithTheFormulasWhereRoundingCannotDiffer)
-{
-    // At ticks that are powers of two, time * 12.9898 is exact, so any GPU
-    // computes the same sine argument as the CPU; only the sine itself may
-    // differ in its last bits, which moves a value by a few thousandths.
-    auto random2d = [](float x, float y) {
-        const float value = std::sin(x * 12.9898f + y * 4.1414f) * 43758.5453f;
-        return value - std::floor(value);
-    };
-    auto near = [](float a, float b) {
-        const float d = std::fabs(a - b);
-        return std::min(d, 1.0f - d) < 0.01f;
-    };
-    for (int tick : {0, 1, 2, 8, -4}) {
-        const float iTime = static_cast<float>(tick + 0.5) / 36.0f;
-        const BlockGlitchRandoms probed = RandomProbe::blockGlitch(iTime);
-        const float time = static_cast<float>(tick);
-        ASSERT_EQ(probed.time, time);
-        EXPECT_TRUE(near(probed.sliceY[1], random2d(time, 2346.0f))) << tick;
-        EXPECT_TRUE(near(probed.sliceH[0] * 4.0f, random2d(time, 9035.0f))) << tick;
-        EXPECT_TRUE(near(probed.rnd, random2d(time, 9545.0f))) << tick;
-        EXPECT_NEAR(probed.hOffset[0], -0.1f + random2d(time, 9625.0f) * 0.2f, 0.003f) << tick;
-        EXPECT_NEAR(probed.colOffset[1], -0.2f / 6.0f + random2d(time, 7205.0f) * 0.4f / 6.0f, 0.001f)
-            << tick;
     }
 }
 
