@@ -12,9 +12,8 @@
 
 #include <cmath>
 #include <functional>
-#include <optional>
+#include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace Halvane::Quorvex::Testing {
@@ -38,7 +37,6 @@ protected:
 
     void TearDown() override
     {
-        mBackground.reset();
         if (AEOpenGLContext* shared = AEOpenGLContextManager::getSharedDataContext()) {
             shared->makeContextCurrent();
         }
@@ -51,39 +49,6 @@ protected:
     }
 
     static AEOpenglMainFrameBuffer& frame() { return *AEOpenglMainFrameBuffer::mainFrameBuffer(); }
-
-    // One frame as the effect runs it, with BackgroundRender as an effect that
-    // changes nothing: the output should come back equal to the input.
-    void runFrame(Host::World& input, Host::World& output)
-    {
-        PF_InData inData = mHost.inData();
-        const PF_PixelFormat format = input.format();
-        frame().prepare(input.width(), input.height(), true, AEOpenGLUtilities::RenderTargetFormat(format));
-        frame().beginDrawing();
-        unsigned long pixelSize = 0;
-        gl::GLenum type = gl::GL_NONE;
-        float multiplier = 0.0f;
-        const gl::GLuint texture = AEOpenGLUtilities::UploadTexture(
-            format, input.layer(), output.layer(), &inData, pixelSize, type, multiplier, false);
-        mBackground->draw(texture, multiplier);
-        gl::glDeleteTextures(1, &texture);
-        frame().endDrawing(multiplier);
-        AEOpenGLUtilities::DownloadTexture(static_cast<unsigned>(input.width()),
-                                           static_cast<unsigned>(input.height()), input.layer(),
-                                           output.layer(), &inData, format, pixelSize, type);
-    }
-
-    // Runs `work` on a new thread with that thread's render context current,
-    // and lets the context go from the thread before it ends.
-    static void onAnotherThread(const std::function<void()>& work)
-    {
-        std::thread thread([&] {
-            AEOpenGLContextManager::getCurrentRenderContext()->makeContextCurrent();
-            work();
-            releaseCurrent();
-        });
-        thread.join();
-    }
 
     // The RGBA floats of level 0 of a 2D texture, rows bottom first.
     static std::vector<float> textureContents(gl::GLuint texture)
@@ -115,6 +80,27 @@ protected:
         return texture;
     }
 
+    // The GL objects alive in the current context among the first names of
+    // each kind, as "kind name": what a step made or deleted shows as a
+    // difference of two of these.
+    static std::set<std::string> liveObjects()
+    {
+        using namespace gl;
+        const std::pair<const char*, GLboolean (*)(GLuint)> kinds[] = {
+            {"framebuffer", glIsFramebuffer}, {"renderbuffer", glIsRenderbuffer}, {"texture", glIsTexture},
+            {"vertex array", glIsVertexArray}, {"buffer", glIsBuffer}, {"program", glIsProgram},
+        };
+        std::set<std::string> live;
+        for (const auto& [kind, exists] : kinds) {
+            for (GLuint name = 1; name < 100; ++name) {
+                if (exists(name) == GL_TRUE) {
+                    live.insert(std::string(kind) + " " + std::to_string(name));
+                }
+            }
+        }
+        return live;
+    }
+
     static gl::GLint integer(gl::GLenum name)
     {
         gl::GLint value = 0;
@@ -123,7 +109,6 @@ protected:
     }
 
     Host::HostRuntime mHost;
-    std::optional<BackgroundRender> mBackground{std::in_place};
 };
 
 // Host pixels by channel in units of the depth's white (1 is 255, 32768 or

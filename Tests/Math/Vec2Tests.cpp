@@ -16,16 +16,6 @@ constexpr double kInf = std::numeric_limits<double>::infinity();
 double const kJustAboveTolerance = std::nextafter(kFloatTolerance, 1.0);
 double const kJustBelowTolerance = std::nextafter(kFloatTolerance, 0.0);
 
-TEST(ScalarConstants, HaveTheirExactBits)
-{
-    EXPECT_EQ(Testing::bitsOf(kFloatTolerance), 0x3D719799812DEA11u);
-    EXPECT_EQ(Testing::bitsOf(kDegreesToRadians), 0x3F91DF46A2529CE4u);
-    EXPECT_EQ(Testing::bitsOf(kRadiansToDegrees), 0x404CA5DC1A63C1F8u);
-    EXPECT_EQ(Testing::bitsOf(kDuplicateDistance), 0x3FD0000000000000u);
-    EXPECT_EQ(Testing::bitsOf(Vec4::kSquaredTolerance), 0x3AF357C299A88EA7u);
-    EXPECT_EQ(Testing::bitsOf(Vec4::kNearParallelThreshold), 0x3F847AE140000000u);
-}
-
 TEST(Vec2Equality, AbsoluteIncludesTheToleranceRadialExcludesIt)
 {
     EXPECT_TRUE(floatEqual(0.0, kFloatTolerance));

@@ -8,7 +8,6 @@
 namespace Halvane::Quorvex::Testing {
 namespace {
 
-using Host::FrameTime;
 using Host::HostCall;
 using Host::World;
 
@@ -18,20 +17,8 @@ protected:
 
     World input{64, 48, PF_PixelFormat_ARGB32};
     World output{64, 48, PF_PixelFormat_ARGB32};
-    const FrameTime time{90, 3, 30};
+    const Host::FrameTime time{90, 3, 30};
 };
-
-TEST_F(PreRenderTest, EmptyOutputRectsTakeTheCheckoutsRects)
-{
-    PF_PreRenderOutput result{};
-    ASSERT_EQ(session.smartPreRender(PF_LRect{8, 4, 40, 30}, time, result), PF_Err_NONE);
-    EXPECT_EQ(result.result_rect, (PF_LRect{8, 4, 40, 30}));
-    EXPECT_EQ(result.max_result_rect, (PF_LRect{0, 0, 64, 48}));
-    // Nothing but the rectangles is written.
-    EXPECT_EQ(result.solid, 0);
-    EXPECT_EQ(result.pre_render_data, nullptr);
-    EXPECT_EQ(result.delete_pre_render_data_func, nullptr);
-}
 
 TEST_F(PreRenderTest, TheInputIsRequestedUnchangedAtTheFramesTime)
 {
@@ -46,39 +33,39 @@ TEST_F(PreRenderTest, TheInputIsRequestedUnchangedAtTheFramesTime)
     EXPECT_EQ(checkout.time.value, 90);
     EXPECT_EQ(checkout.time.step, 3);
     EXPECT_EQ(checkout.time.scale, 30u);
+    // Nothing but the rectangles, as the host clipped them, is written.
+    EXPECT_EQ(result.result_rect, (PF_LRect{0, 3, 64, 20}));
+    EXPECT_EQ(result.max_result_rect, (PF_LRect{0, 0, 64, 48}));
+    EXPECT_EQ(result.solid, 0);
+    EXPECT_EQ(result.pre_render_data, nullptr);
+    EXPECT_EQ(result.delete_pre_render_data_func, nullptr);
 }
 
-TEST_F(PreRenderTest, DisjointRectsUniteIntoTheirBoundingBox)
+TEST_F(PreRenderTest, EachRectIsTheUnionOfWhatItHeldAndWhatTheCheckoutGives)
 {
-    PF_PreRenderOutput result{};
-    result.result_rect = PF_LRect{50, 40, 60, 46};
-    result.max_result_rect = PF_LRect{-10, -10, -2, -2};
-    ASSERT_EQ(session.smartPreRender(PF_LRect{2, 3, 10, 12}, time, result), PF_Err_NONE);
-    EXPECT_EQ(result.result_rect, (PF_LRect{2, 3, 60, 46}));
-    EXPECT_EQ(result.max_result_rect, (PF_LRect{-10, -10, 64, 48}));
-}
-
-TEST_F(PreRenderTest, AnEmptySourceLeavesTheDestination)
-{
-    PF_PreRenderOutput result{};
-    result.result_rect = PF_LRect{1, 2, 3, 4};
-    result.max_result_rect = PF_LRect{5, 6, 7, 8};
-    // Edges that meet count as empty too.
-    host.overrideCheckoutRects(PF_LRect{10, 10, 10, 20}, PF_LRect{0, 5, 9, 5});
-    ASSERT_EQ(session.smartPreRender(PF_LRect{0, 0, 64, 48}, time, result), PF_Err_NONE);
-    EXPECT_EQ(result.result_rect, (PF_LRect{1, 2, 3, 4}));
-    EXPECT_EQ(result.max_result_rect, (PF_LRect{5, 6, 7, 8}));
-}
-
-TEST_F(PreRenderTest, AnEmptyDestinationCopiesTheSourceEvenInsideOut)
-{
-    PF_PreRenderOutput result{};
-    result.result_rect = PF_LRect{4, 4, 4, 9};
-    result.max_result_rect = PF_LRect{7, 7, 1, 1};
-    host.overrideCheckoutRects(PF_LRect{30, 2, 10, 8}, PF_LRect{3, 9, 12, 1});
-    ASSERT_EQ(session.smartPreRender(PF_LRect{0, 0, 64, 48}, time, result), PF_Err_NONE);
-    EXPECT_EQ(result.result_rect, (PF_LRect{30, 2, 10, 8}));
-    EXPECT_EQ(result.max_result_rect, (PF_LRect{3, 9, 12, 1}));
+    struct Case {
+        const char* what;
+        PF_LRect before, given, after;
+    };
+    // Edges that meet count as empty; an empty destination takes the source
+    // as it is, even inside out.
+    const Case cases[] = {
+        {"disjoint", {50, 40, 60, 46}, {2, 3, 10, 12}, {2, 3, 60, 46}},
+        {"negative", {-10, -10, -2, -2}, {0, 0, 64, 48}, {-10, -10, 64, 48}},
+        {"empty source", {1, 2, 3, 4}, {10, 10, 10, 20}, {1, 2, 3, 4}},
+        {"flat source", {5, 6, 7, 8}, {0, 5, 9, 5}, {5, 6, 7, 8}},
+        {"empty destination", {4, 4, 4, 9}, {30, 2, 10, 8}, {30, 2, 10, 8}},
+        {"inside-out destination", {7, 7, 1, 1}, {3, 9, 12, 1}, {3, 9, 12, 1}},
+    };
+    for (const Case& c : cases) {
+        PF_PreRenderOutput result{};
+        result.result_rect = c.before;
+        result.max_result_rect = c.before;
+        host.overrideCheckoutRects(c.given, c.given);
+        ASSERT_EQ(session.smartPreRender(PF_LRect{0, 0, 64, 48}, time, result), PF_Err_NONE);
+        EXPECT_EQ(result.result_rect, c.after) << c.what;
+        EXPECT_EQ(result.max_result_rect, c.after) << c.what;
+    }
 }
 
 TEST_F(PreRenderTest, AFailingCheckoutReturnsItsStatusAndLeavesTheRects)

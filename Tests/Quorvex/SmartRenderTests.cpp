@@ -1,8 +1,6 @@
 // Frames through the module's entry point, compared with the CPU model.
-#include "RandomProbe.h"
 #include "RenderingModuleTest.h"
 
-#include <cmath>
 #include <cstring>
 #include <thread>
 
@@ -63,68 +61,24 @@ TEST_F(SmartRenderTest, BothGlitchesMatchTheModelAtEveryDepth)
     }
 }
 
-TEST_F(SmartRenderTest, TheProbeAgreesWithTheFormulasWhereRoundingCannotDiffer)
-{
-    // At ticks that are powers of two, time * 12.9898 is exact, so any GPU
-    // computes the same sine argument as the CPU; only the sine itself may
-    // differ in its last bits, which moves a value by a few thousandths.
-    auto random2d = [](float x, float y) {
-        const float value = std::sin(x * 12.9898f + y * 4.1414f) * 43758.5453f;
-        return value - std::floor(value);
-    };
-    auto near = [](float a, float b) {
-        const float d = std::fabs(a - b);
-        return std::min(d, 1.0f - d) < 0.01f;
-    };
-    for (int tick : {0, 1, 2, 8, -4}) {
-        const float iTime = static_cast<float>(tick + 0.5) / 36.0f;
-        const BlockGlitchRandoms probed = RandomProbe::blockGlitch(iTime);
-        const float time = static_cast<float>(tick);
-        ASSERT_EQ(probed.time, time);
-        EXPECT_TRUE(near(probed.sliceY[1], random2d(time, 2346.0f))) << tick;
-        EXPECT_TRUE(near(probed.sliceH[0] * 4.0f, random2d(time, 9035.0f))) << tick;
-        EXPECT_TRUE(near(probed.rnd, random2d(time, 9545.0f))) << tick;
-        EXPECT_NEAR(probed.hOffset[0], -0.1f + random2d(time, 9625.0f) * 0.2f, 0.003f) << tick;
-        EXPECT_NEAR(probed.colOffset[1], -0.2f / 6.0f + random2d(time, 7205.0f) * 0.4f / 6.0f, 0.001f)
-            << tick;
-    }
-}
-
-TEST_F(SmartRenderTest, BlockGlitchHoldsItsPatternThroughATick)
+TEST_F(SmartRenderTest, BlockGlitchMovesOnlyAtTicksBadTVAtEveryChangeOfTime)
 {
     auto input = makePicture(48, 40, PF_PixelFormat_ARGB32);
-    World early(48, 40, PF_PixelFormat_ARGB32);
-    World late(48, 40, PF_PixelFormat_ARGB32);
-    World next(48, 40, PF_PixelFormat_ARGB32);
+    auto frameAt = [&](double seconds, GlitchType type, double speed) {
+        auto output = std::make_unique<World>(48, 40, PF_PixelFormat_ARGB32);
+        EXPECT_EQ(render(*input, *output, seconds, type, speed), PF_Err_NONE);
+        return output;
+    };
     // Tick 9 runs from 0.25 s to 0.2778 s at speed 1.
-    ASSERT_EQ(render(*input, early, 0.252, GlitchType::Block, 1.0), PF_Err_NONE);
-    ASSERT_EQ(render(*input, late, 0.276, GlitchType::Block, 1.0), PF_Err_NONE);
-    ASSERT_EQ(render(*input, next, 0.282, GlitchType::Block, 1.0), PF_Err_NONE);
-    EXPECT_TRUE(SamePixels(early, late));
-    EXPECT_FALSE(SamePixels(late, next));
-}
+    const auto late = frameAt(0.276, GlitchType::Block, 1.0);
+    EXPECT_TRUE(SamePixels(*frameAt(0.252, GlitchType::Block, 1.0), *late));
+    EXPECT_FALSE(SamePixels(*late, *frameAt(0.282, GlitchType::Block, 1.0)));
+    EXPECT_FALSE(SamePixels(*frameAt(0.5, GlitchType::BadTV, 1.0), *frameAt(0.501, GlitchType::BadTV, 1.0)));
 
-TEST_F(SmartRenderTest, StandingStillShowsTickZeroNotThePlainInput)
-{
-    auto input = makePicture(48, 40, PF_PixelFormat_ARGB32);
-    World stopped(48, 40, PF_PixelFormat_ARGB32);
-    World start(48, 40, PF_PixelFormat_ARGB32);
-    ASSERT_EQ(render(*input, stopped, 3.7, GlitchType::Block, 0.0), PF_Err_NONE);
-    ASSERT_EQ(render(*input, start, 0.0, GlitchType::Block, 2.0), PF_Err_NONE);
-    EXPECT_TRUE(SamePixels(stopped, start));
-    EXPECT_FALSE(SamePixels(stopped, *input));
-    expectMatchesModel(stopped, model(*input, 0.0, GlitchType::Block, 1.0), tolerance(PF_PixelFormat_ARGB32),
-                       "Block Glitch at speed 0");
-}
-
-TEST_F(SmartRenderTest, BadTVChangesWithEveryChangeOfTime)
-{
-    auto input = makePicture(48, 40, PF_PixelFormat_ARGB32);
-    World first(48, 40, PF_PixelFormat_ARGB32);
-    World second(48, 40, PF_PixelFormat_ARGB32);
-    ASSERT_EQ(render(*input, first, 0.5, GlitchType::BadTV, 1.0), PF_Err_NONE);
-    ASSERT_EQ(render(*input, second, 0.501, GlitchType::BadTV, 1.0), PF_Err_NONE);
-    EXPECT_FALSE(SamePixels(first, second));
+    // Standing still shows tick zero, not the plain input.
+    const auto stopped = frameAt(3.7, GlitchType::Block, 0.0);
+    EXPECT_TRUE(SamePixels(*stopped, *frameAt(0.0, GlitchType::Block, 2.0)));
+    EXPECT_FALSE(SamePixels(*stopped, *input));
 }
 
 TEST_F(SmartRenderTest, TransparentInputStaysTransparent)
@@ -174,19 +128,6 @@ TEST_F(SmartRenderTest, SixteenBitWhiteComesBackWhite)
     }
 }
 
-TEST_F(SmartRenderTest, SwitchingTheTypeBetweenFramesNeedsNoRebuild)
-{
-    auto input = makePicture(40, 36, PF_PixelFormat_ARGB32);
-    const GlitchType order[] = {GlitchType::BadTV, GlitchType::Block, GlitchType::BadTV};
-    for (GlitchType type : order) {
-        World output(40, 36, PF_PixelFormat_ARGB32);
-        const double seconds = type == GlitchType::Block ? MidTick(20) : 0.625;
-        ASSERT_EQ(render(*input, output, seconds, type, 1.0), PF_Err_NONE);
-        expectMatchesModel(output, model(*input, seconds, type, 1.0), tolerance(PF_PixelFormat_ARGB32),
-                           "after switching the type");
-    }
-}
-
 TEST_F(SmartRenderTest, TheFrameFollowsTheInputWhateverTheOutputSize)
 {
     auto input = makePicture(50, 40, PF_PixelFormat_ARGB32);
@@ -214,7 +155,7 @@ TEST_F(SmartRenderTest, TheFrameFollowsTheInputWhateverTheOutputSize)
     }
 }
 
-TEST_F(SmartRenderTest, FailuresEndTheFrameWithTheHostsStatusAndTouchNothing)
+TEST_F(SmartRenderTest, FailuresAndUnknownFormatsEndTheFrameWithAStatusAndTouchNothing)
 {
     auto input = makePicture(24, 20, PF_PixelFormat_ARGB32);
     World output(24, 20, PF_PixelFormat_ARGB32);
@@ -231,20 +172,16 @@ TEST_F(SmartRenderTest, FailuresEndTheFrameWithTheHostsStatusAndTouchNothing)
     EXPECT_EQ(render(*input, output, 0.5, GlitchType::Block, 1.0), PF_Err_BAD_CALLBACK_PARAM);
     host.failures().clear();
     EXPECT_TRUE(isMarked(output));
+    World oddInput(16, 16, 0x20202020);
+    World oddOutput(16, 16, 0x20202020);
+    mark(oddOutput);
+    EXPECT_EQ(render(oddInput, oddOutput, 0.5, GlitchType::BadTV, 1.0), PF_Err_BAD_CALLBACK_PARAM);
+    EXPECT_TRUE(isMarked(oddOutput));
 
     // Nothing of the failed frames is left over: the next one is right.
     ASSERT_EQ(render(*input, output, MidTick(5), GlitchType::Block, 1.0), PF_Err_NONE);
     expectMatchesModel(output, model(*input, MidTick(5), GlitchType::Block, 1.0),
                        tolerance(PF_PixelFormat_ARGB32), "after failed frames");
-}
-
-TEST_F(SmartRenderTest, AnUnknownPixelFormatIsRefused)
-{
-    World input(16, 16, 0x20202020);
-    World output(16, 16, 0x20202020);
-    mark(output);
-    EXPECT_EQ(render(input, output, 0.5, GlitchType::BadTV, 1.0), PF_Err_BAD_CALLBACK_PARAM);
-    EXPECT_TRUE(isMarked(output));
 }
 
 TEST_F(SmartRenderTest, FramesOnTwoHostThreadsBothDraw)
@@ -265,6 +202,16 @@ TEST_F(SmartRenderTest, FramesOnTwoHostThreadsBothDraw)
                        tolerance(PF_PixelFormat_ARGB64), "first thread");
     expectMatchesModel(second, model(*input, 0.375, GlitchType::BadTV, 1.0),
                        tolerance(PF_PixelFormat_ARGB64), "second thread");
+
+    // The other thread's frame changed the size: this thread's targets follow.
+    auto smaller = makePicture(28, 22, PF_PixelFormat_ARGB64);
+    World third(28, 22, PF_PixelFormat_ARGB64);
+    std::thread([&] { err = session.renderFrame(*smaller, third, Host::FrameTime::atSeconds(0.375, kTimeScale)); })
+        .join();
+    ASSERT_EQ(err, PF_Err_NONE);
+    ASSERT_EQ(render(*smaller, third, MidTick(8), GlitchType::Block, 1.0), PF_Err_NONE);
+    expectMatchesModel(third, model(*smaller, MidTick(8), GlitchType::Block, 1.0),
+                       tolerance(PF_PixelFormat_ARGB64), "back on the first thread at another size");
 }
 
 TEST_F(SmartRenderTest, ASecondSetupInOneProcessRendersAgain)

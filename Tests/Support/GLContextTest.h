@@ -1,7 +1,6 @@
 #pragma once
 
 #include "GL/GLPlatform.h"
-#include "GLCallLog.h"
 
 #include <EGL/egl.h>
 #include <glbinding/Binding.h>

@@ -16,6 +16,7 @@
 //   QUORVEX_FAKE_FRAME_DELAY_MS=N each frame takes N milliseconds
 //   QUORVEX_FAKE_LOG=PATH         appends a line per command to PATH
 #include "BasicSuite.h"
+#include "Common.h"
 #include "EffectInterface.h"
 #include "EffectSuites.h"
 #include "FakeEffectFormula.h"
@@ -28,11 +29,8 @@
 
 namespace {
 
+using namespace Halvane::Quorvex;
 using namespace Halvane::Quorvex::Testing;
-
-constexpr PF_ParamIndex kGlitchTypeIndex = 1;
-constexpr PF_ParamIndex kSpeedIndex = 2;
-constexpr A_long kInputCheckoutId = 0;
 
 int gRenderedFrames = 0;
 
@@ -81,29 +79,26 @@ PF_Err GlobalSetup(PF_OutData* out_data)
 PF_Err ParamsSetup(PF_InData* in_data, PF_OutData* out_data)
 {
     Log("ParamsSetup");
-    out_data->num_params = 3;
+    out_data->num_params = kParameterCount;
     PF_ParamDef def;
     std::memset(&def, 0, sizeof(def));
     def.param_type = PF_Param_POPUP;
-    std::strcpy(def.name, "Glitch Type");
-    def.u.pd.value = 1;
-    def.u.pd.dephault = 1;
-    def.u.pd.num_choices = 2;
+    std::strcpy(def.name, kGlitchTypeName);
+    def.u.pd.value = kGlitchTypeDefault;
+    def.u.pd.dephault = kGlitchTypeDefault;
+    def.u.pd.num_choices = kGlitchTypeChoices;
     def.u.pd.u.namesptr = "Block Glitch|Bad TV";
-    def.uu.id = 1;
+    def.uu.id = kGlitchTypeId;
     if (const PF_Err err = in_data->inter.add_param(in_data->effect_ref, -1, &def)) {
         return err;
     }
     std::memset(&def, 0, sizeof(def));
     def.param_type = PF_Param_FLOAT_SLIDER;
-    std::strcpy(def.name, "Speed");
-    def.u.fs_d.valid_min = 0.0f;
-    def.u.fs_d.valid_max = 3.0f;
-    def.u.fs_d.slider_min = 0.0f;
-    def.u.fs_d.slider_max = 3.0f;
-    def.u.fs_d.value = 1.0;
-    def.u.fs_d.dephault = 1.0f;
-    def.uu.id = 2;
+    std::strcpy(def.name, kSpeedName);
+    def.u.fs_d.valid_min = def.u.fs_d.slider_min = kSpeedMin;
+    def.u.fs_d.valid_max = def.u.fs_d.slider_max = kSpeedMax;
+    def.u.fs_d.value = def.u.fs_d.dephault = kSpeedDefault;
+    def.uu.id = kSpeedId;
     return in_data->inter.add_param(in_data->effect_ref, -1, &def);
 }
 
@@ -114,7 +109,7 @@ PF_Err SmartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra)
     PF_CheckoutResult result;
     std::memset(&result, 0, sizeof(result));
     if (const PF_Err err = extra->cb->checkout_layer(
-            in_data->effect_ref, 0, kInputCheckoutId, &request, in_data->current_time,
+            in_data->effect_ref, kInputLayerIndex, kInputCheckoutId, &request, in_data->current_time,
             in_data->time_step, in_data->time_scale, &result)) {
         return err;
     }
