@@ -1,5 +1,6 @@
 #include "DemoCommand.h"
 
+#include "AtomicOutputFile.h"
 #include "ContactSheet.h"
 #include "DemoClip.h"
 #include "EffectHost.h"
@@ -60,7 +61,9 @@ int DemoCommand::run()
         sheet.place(0, static_cast<int>(column), DemoClip::frameAt(kSampleFrames[column]));
     }
 
-    std::vector<std::string> written;
+    // Every file is made under a temporary name and put in place only when
+    // all are done: an interrupted or failed demo leaves none of them.
+    std::vector<AtomicOutputFile> staged;
     for (std::size_t row = 0; row < kGlitchTypes.size(); ++row) {
         const int glitchType = kGlitchTypes[row];
         const std::string path =
@@ -74,7 +77,8 @@ int DemoCommand::run()
         settings.width = DemoClip::kWidth;
         settings.height = DemoClip::kHeight;
         settings.rate = clip.info().rate;
-        VideoWriter video(path, encoder, settings, nullptr, nullptr);
+        staged.emplace_back(path);
+        VideoWriter video(staged.back().temporaryPath(), encoder, settings, nullptr, nullptr);
 
         ProgressReporter progress(ProgressReporter::styleFor(mQuiet),
                                   std::filesystem::path(path).filename().string(),
@@ -89,18 +93,20 @@ int DemoCommand::run()
             }
         });
         pipeline.run();
-        written.push_back(path);
     }
 
-    const std::string sheetPath = (folder / "contact-sheet.png").string();
-    sheet.write(sheetPath);
-    written.push_back(sheetPath);
+    staged.emplace_back((folder / "contact-sheet.png").string());
+    sheet.write(staged.back().temporaryPath());
     effect.setDown();
+    for (AtomicOutputFile& file : staged) {
+        file.commit();
+    }
 
     if (!mQuiet) {
         std::cerr << "quorvex demo: wrote";
-        for (std::size_t i = 0; i < written.size(); ++i) {
-            std::cerr << (i == 0 ? " " : i + 1 == written.size() ? " and " : ", ") << written[i];
+        for (std::size_t i = 0; i < staged.size(); ++i) {
+            std::cerr << (i == 0 ? " " : i + 1 == staged.size() ? " and " : ", ")
+                      << staged[i].target();
         }
         std::cerr << "\n";
     }

@@ -2,6 +2,7 @@
 
 #include "EffectSettings.h"
 #include "FrameConverter.h"
+#include "ModuleLocation.h"
 #include "NumberText.h"
 #include "StandardOutputCapture.h"
 
@@ -35,7 +36,7 @@ EffectHost::EffectHost(const std::string& modulePath) : mModulePath(modulePath)
 {
     try {
         mRuntime = std::make_unique<Host::HostRuntime>();
-        mModule = std::make_unique<Host::PluginModule>(modulePath);
+        mModule = std::make_unique<Host::PluginModule>(LoadableModulePath(modulePath));
     } catch (const Host::HostError& error) {
         throw ToolError::runtime(error.what());
     }

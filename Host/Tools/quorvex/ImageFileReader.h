@@ -27,6 +27,7 @@ public:
     // animated GIF); movies belong to the video reader.
     bool isMovie() const;
 
+    const std::string& path() const { return mPath; }
     int width() const;
     int height() const;
     PixelDepth depth() const { return mDepth; }

@@ -32,6 +32,20 @@ std::optional<double> SecondsOption(const std::string& option, const std::string
     return seconds;
 }
 
+// A clip whose last frame lies beyond the host's 32-bit time is refused
+// before the first frame, not when the render reaches it.
+void CheckLastFrameTime(const FrameTimeline& timeline, std::size_t frameCount,
+                        const std::string& timeOffset)
+{
+    try {
+        timeline.timeOf(frameCount - 1);
+    } catch (const ToolError&) {
+        throw ToolError::usage("--time-offset: " + (timeOffset.empty() ? "0" : timeOffset) +
+                               " s puts frame " + std::to_string(frameCount) +
+                               " of the input beyond the time a host can state");
+    }
+}
+
 }  // namespace
 
 RenderCommand::RenderCommand(Options options) : mOptions(std::move(options))
@@ -55,7 +69,10 @@ int RenderCommand::run()
     if (!mOptions.fps.empty()) {
         sourceOptions.rate = FrameRate::parse("--fps", mOptions.fps);
     }
-    const SinkFactory::Kind outputKind = SinkFactory::classify(mOptions.output);
+    const bool sequenceInput = SourceFactory::namesImageSequence(mOptions.input);
+    // Whether a still input's output is a picture or a video shows in its
+    // name alone; a pattern in it is settled once the input is open.
+    SinkFactory::Kind outputKind = SinkFactory::classify(mOptions.output, sequenceInput);
     std::optional<VideoEncoderChoice> encoder;
     if (outputKind == SinkFactory::Kind::Video) {
         encoder = VideoEncoderChoice::choose(mOptions.output, mOptions.codec);
@@ -63,7 +80,6 @@ int RenderCommand::run()
         throw ToolError::usage("--codec: '" + mOptions.output +
                                "' is not a video; --codec applies to video outputs");
     }
-    const bool sequenceInput = SourceFactory::namesImageSequence(mOptions.input);
     if (sourceOptions.frames && !sequenceInput) {
         throw ToolError::usage("--frames: '" + mOptions.input +
                                "' is not an image sequence (name one like frame.%04d.png)");
@@ -74,6 +90,9 @@ int RenderCommand::run()
     const VideoReader* video = SourceFactory::videoReaderOf(*source);
     if (video && sourceOptions.rate) {
         throw ToolError::usage("--fps: '" + mOptions.input + "' is a video and keeps its own rate");
+    }
+    if (!info.isStill && !sequenceInput) {
+        outputKind = SinkFactory::classify(mOptions.output, true);
     }
     if (info.isStill && timeOffset) {
         throw ToolError::usage("--time-offset: '" + mOptions.input +
@@ -91,6 +110,9 @@ int RenderCommand::run()
     const FrameTimeline timeline =
         info.isStill ? FrameTimeline::forStill(time.value_or(1.0))
                      : FrameTimeline::forClip(info.rate, timeOffset.value_or(0.0));
+    if (!info.isStill && info.frameCount && *info.frameCount > 0) {
+        CheckLastFrameTime(timeline, *info.frameCount, mOptions.timeOffset);
+    }
     const PixelDepth depth = chosenDepth.value_or(info.depth);
 
     SinkFactory::Request request;

@@ -9,9 +9,9 @@
 
 namespace Halvane::Quorvex::Tools {
 
-SinkFactory::Kind SinkFactory::classify(const std::string& target)
+SinkFactory::Kind SinkFactory::classify(const std::string& target, bool clipInput)
 {
-    if (ImageSequencePattern::isPattern(target)) {
+    if (clipInput && ImageSequencePattern::isPattern(target)) {
         const ImageSequencePattern pattern(target);
         const ImageFileWriter checked(pattern.text());
         return Kind::Sequence;

@@ -1,11 +1,17 @@
 #include "SourceFactory.h"
 
+#include "AvErrorText.h"
+#include "FrameSizeCheck.h"
 #include "ImageFileReader.h"
 #include "ImageSequencePattern.h"
 #include "ImageSequenceSource.h"
 #include "StillImageSource.h"
 #include "ToolError.h"
 #include "VideoReader.h"
+
+extern "C" {
+#include <libavformat/avformat.h>
+}
 
 #include <cerrno>
 #include <cstring>
@@ -36,6 +42,24 @@ void CheckReadableFile(const std::string& path)
     ::close(fd);
 }
 
+// Whether FFmpeg reads the file as a stream of pictures (an animated PNG, a
+// raw MJPEG stream, ...): a format that can hold several frames is a clip,
+// even where OpenImageIO reads its first picture alone. FFmpeg's readers of
+// single pictures are "image2" and the "..._pipe" ones.
+bool HoldsPictureStream(const std::string& path)
+{
+    AVFormatContext* format = nullptr;
+    if (avformat_open_input(&format, path.c_str(), nullptr, nullptr) < 0) {
+        return false;
+    }
+    const std::string name = format->iformat->name;
+    avformat_close_input(&format);
+    AvErrorText(0);  // what the probe logged concerns no one
+    const std::string pipe = "_pipe";
+    return name != "image2" && !(name.size() > pipe.size() &&
+                                 name.compare(name.size() - pipe.size(), pipe.size(), pipe) == 0);
+}
+
 }  // namespace
 
 bool SourceFactory::namesImageSequence(const std::string& path)
@@ -59,7 +83,8 @@ std::unique_ptr<FrameSource> SourceFactory::open(const std::string& path, const 
     } catch (const ToolError&) {
         // Not a picture; perhaps a video.
     }
-    if (picture && !picture->isMovie()) {
+    if (picture && !picture->isMovie() && !HoldsPictureStream(path)) {
+        FrameSizeCheck::check(path, picture->width(), picture->height(), picture->depth());
         return std::make_unique<StillImageSource>(path, std::move(picture), rate);
     }
     picture.reset();
