@@ -6,6 +6,8 @@
 #include "Tools/Support/ToolTest.h"
 
 #include <cmath>
+#include <filesystem>
+#include <unistd.h>
 #include <functional>
 
 namespace Halvane::Quorvex::Testing {
@@ -38,6 +40,26 @@ void ExpectSamples(const PictureFile& picture, const std::function<double(int, i
 }
 
 class RenderPictureTest : public ToolTest {};
+
+TEST_F(RenderPictureTest, NamesAreTakenAsTyped)
+{
+    TestMedia::writePicture(path("in.png"), 4, 2, 3, OIIO::TypeDesc::UINT8,
+                            [](int, int, int) { return 80.0; });
+    // A picture's output is one file, whatever characters its name holds.
+    for (const char* name : {"take#2.png", "100%done.png"}) {
+        ASSERT_TRUE(Succeeded(runFake({"render", path("in.png"), path(name)})));
+    }
+    EXPECT_EQ(files(), (std::set<std::string>{"in.png", "take#2.png", "100%done.png"}));
+
+    // A module named without a folder is the file of that name here, not a
+    // namesake on the library path.
+    const std::string module = "quorvex-test-module-" + std::to_string(::getpid()) + ".so";
+    std::filesystem::copy_file(QUORVEX_FAKE_EFFECT_PATH, module);
+    const ToolResult result =
+        run({"render", path("in.png"), path("out.png"), "--plugin", module});
+    std::filesystem::remove(module);
+    EXPECT_TRUE(Succeeded(result));
+}
 
 TEST_F(RenderPictureTest, EightBitPngKeepsItsDepthAndEveryChannel)
 {

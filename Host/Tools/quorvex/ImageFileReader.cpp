@@ -2,6 +2,7 @@
 
 #include "ToolError.h"
 
+#include <limits>
 #include <vector>
 
 namespace Halvane::Quorvex::Tools {
@@ -48,6 +49,12 @@ void FillChannel(T* frame, int to, T value, std::size_t pixels)
 
 ImageFileReader::ImageFileReader(const std::string& path) : mPath(path)
 {
+    // The size a header claims is judged by FrameSizeCheck, against this
+    // machine's memory and with the size named; OpenImageIO's own limit
+    // would refuse first with a message of its own.
+    static const bool kOwnSizeLimit =
+        OIIO::attribute("limits:imagesize_MB", std::numeric_limits<int>::max());
+    (void)kOwnSizeLimit;
     // PNG and TIFF keep straight alpha when asked; without the hint they
     // would be multiplied on the way in.
     OIIO::ImageSpec config;
@@ -70,6 +77,13 @@ ImageFileReader::~ImageFileReader()
     if (mInput) {
         mInput->close();
     }
+}
+
+bool ImageFileReader::isPictureFile(const std::string& path)
+{
+    const auto input = OIIO::ImageInput::create(path);
+    OIIO::geterror();  // a failed look-up leaves a message nobody needs
+    return input && input->valid_file(path);
 }
 
 OIIO::TypeDesc ImageFileReader::sampleTypeOf(PixelDepth depth)

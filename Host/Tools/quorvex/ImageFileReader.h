@@ -20,6 +20,10 @@ public:
     explicit ImageFileReader(const std::string& path);
     ~ImageFileReader();
 
+    // Whether the file starts the way a picture format that its extension
+    // names starts (a PNG signature in a .png), readable or not.
+    static bool isPictureFile(const std::string& path);
+
     // The OpenImageIO type of one sample at `depth`.
     static OIIO::TypeDesc sampleTypeOf(PixelDepth depth);
 

@@ -16,6 +16,7 @@ extern "C" {
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <optional>
 #include <filesystem>
 #include <unistd.h>
 
@@ -78,17 +79,27 @@ std::unique_ptr<FrameSource> SourceFactory::open(const std::string& path, const 
     CheckReadableFile(path);
 
     std::unique_ptr<ImageFileReader> picture;
+    std::optional<ToolError> pictureFailure;
     try {
         picture = std::make_unique<ImageFileReader>(path);
-    } catch (const ToolError&) {
+    } catch (const ToolError& error) {
         // Not a picture; perhaps a video.
+        pictureFailure = error;
     }
     if (picture && !picture->isMovie() && !HoldsPictureStream(path)) {
         FrameSizeCheck::check(path, picture->width(), picture->height(), picture->depth());
         return std::make_unique<StillImageSource>(path, std::move(picture), rate);
     }
     picture.reset();
-    return std::make_unique<VideoReader>(path);
+    try {
+        return std::make_unique<VideoReader>(path);
+    } catch (const ToolError&) {
+        // A file that is plainly a picture failed for a reason of its own.
+        if (pictureFailure && ImageFileReader::isPictureFile(path)) {
+            throw *pictureFailure;
+        }
+        throw;
+    }
 }
 
 const VideoReader* SourceFactory::videoReaderOf(const FrameSource& source)
