@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -68,6 +69,12 @@ TEST_F(FailureTest, InputsThatCannotBeRead)
     mInputs = files();
     expectFailure({"render", path("notes.png"), path("out.png")}, 1,
                   {"notes.png", "not a picture or video"});
+    // libpng's own lines and OpenImageIO's several join the one line.
+    std::ostringstream whole;
+    whole << std::ifstream(path("in.png"), std::ios::binary).rdbuf();
+    std::ofstream(path("cut.png"), std::ios::binary) << whole.str().substr(0, whole.str().size() - 30);
+    mInputs = files();
+    expectFailure({"render", path("cut.png"), path("out.png")}, 1, {"cut.png", "end of file"});
     if (::geteuid() != 0) {
         ::chmod(path("in.png").c_str(), 0);
         expectFailure(with({}), 1, {"in.png", "Permission denied"});

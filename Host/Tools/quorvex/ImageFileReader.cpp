@@ -1,8 +1,10 @@
 #include "ImageFileReader.h"
 
+#include "LibraryChatter.h"
 #include "ToolError.h"
 
 #include <limits>
+#include <optional>
 #include <vector>
 
 namespace Halvane::Quorvex::Tools {
@@ -59,15 +61,19 @@ ImageFileReader::ImageFileReader(const std::string& path) : mPath(path)
     // would be multiplied on the way in.
     OIIO::ImageSpec config;
     config.attribute("oiio:UnassociatedAlpha", 1);
+    LibraryChatter chatter;
     mInput = OIIO::ImageInput::open(path, &config);
+    const std::string libraries = chatter.finish();
     if (!mInput) {
+        // OpenImageIO's later lines give advice about its own settings.
         std::string reason = OIIO::geterror();
         const auto newline = reason.find('\n');
         if (newline != std::string::npos) {
             reason.resize(newline);
         }
-        throw ToolError::runtime("cannot read '" + path +
-                                 "': " + (reason.empty() ? "not a picture file" : reason));
+        throw ToolError::runtime(
+            "cannot read '" + path + "': " +
+            LibraryChatter::oneLine(reason.empty() ? "not a picture file" : reason, libraries));
     }
     mDepth = DepthOfType(mInput->spec().format);
 }
@@ -132,8 +138,17 @@ RgbaFrame ImageFileReader::read()
         static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.height);
     const OIIO::TypeDesc type = sampleTypeOf(mDepth);
     std::vector<unsigned char> samples(pixels * static_cast<std::size_t>(channels) * type.size());
-    if (!mInput->read_image(0, 0, 0, channels, type, samples.data())) {
-        throw ToolError::runtime("cannot read '" + mPath + "': " + mInput->geterror());
+    // Only libpng is known to print by itself; other formats read without
+    // holding standard error.
+    std::optional<LibraryChatter> chatter;
+    if (std::string(mInput->format_name()) == "png") {
+        chatter.emplace();
+    }
+    const bool read = mInput->read_image(0, 0, 0, channels, type, samples.data());
+    const std::string libraries = chatter ? chatter->finish() : std::string();
+    if (!read) {
+        throw ToolError::runtime("cannot read '" + mPath +
+                                 "': " + LibraryChatter::oneLine(mInput->geterror(), libraries));
     }
 
     // Red, green and blue are the first three channels that are not alpha;

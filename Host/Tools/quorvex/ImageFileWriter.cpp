@@ -1,11 +1,13 @@
 #include "ImageFileWriter.h"
 
 #include "ImageFileReader.h"
+#include "LibraryChatter.h"
 #include "ToolError.h"
 
 #include <OpenImageIO/imageio.h>
 
 #include <filesystem>
+#include <optional>
 
 namespace Halvane::Quorvex::Tools {
 
@@ -57,8 +59,15 @@ void ImageFileWriter::write(const RgbaFrame& frame, const std::string& path, boo
         spec.attribute("oiio:UnassociatedAlpha", 1);
     }
 
+    // Only libpng is known to print by itself.
+    std::optional<LibraryChatter> chatter;
+    if (std::string(output->format_name()) == "png") {
+        chatter.emplace();
+    }
     const auto fail = [&](const std::string& reason) {
-        return ToolError::runtime("cannot write '" + mTarget + "': " + reason);
+        const std::string libraries = chatter ? chatter->finish() : std::string();
+        return ToolError::runtime("cannot write '" + mTarget +
+                                  "': " + LibraryChatter::oneLine(reason, libraries));
     };
     if (!output->open(path, spec)) {
         throw fail(output->geterror());
@@ -72,6 +81,9 @@ void ImageFileWriter::write(const RgbaFrame& frame, const std::string& path, boo
     }
     if (!output->close()) {
         throw fail(output->geterror());
+    }
+    if (chatter) {
+        chatter->finish();
     }
 }
 
