@@ -113,13 +113,29 @@ TEST_F(RenderPictureTest, FloatExrStaysFloatAndItsAlphaStaysAssociatedInTheFile)
         return c == 3 ? alphas[x] : (0.1 + 0.2 * c) * alphas[x];
     };
     TestMedia::writePicture(path("in.exr"), 4, 2, 4, OIIO::TypeDesc::FLOAT, sample);
-    TestMedia::writePicture(path("half.exr"), 4, 2, 4, OIIO::TypeDesc::HALF, sample);
+    // A half-float picture whose pixels sit inside a larger display window.
+    OIIO::ImageSpec windowed(4, 2, 4, OIIO::TypeDesc::HALF);
+    windowed.x = 2;
+    windowed.y = 3;
+    windowed.full_width = 10;
+    windowed.full_height = 8;
+    const std::vector<float> clear(4 * 2 * 4, 0.0f);
+    const auto half = OIIO::ImageOutput::create(path("half.exr"));
+    ASSERT_TRUE(half && half->open(path("half.exr"), windowed) &&
+                half->write_image(OIIO::TypeDesc::FLOAT, clear.data()) && half->close());
     ASSERT_TRUE(Succeeded(runFake({"render", path("in.exr"), path("out.exr"), "--time", "0.25"})));
     ASSERT_TRUE(Succeeded(runFake({"render", path("half.exr"), path("half-out.exr")})));
 
     const PictureFile out = TestMedia::readPicture(path("out.exr"));
     ASSERT_EQ(out.format, OIIO::TypeDesc::FLOAT);
-    EXPECT_EQ(TestMedia::readPicture(path("half-out.exr")).format, OIIO::TypeDesc::HALF);
+    const auto halfOut = OIIO::ImageInput::open(path("half-out.exr"));
+    ASSERT_TRUE(halfOut);
+    const OIIO::ImageSpec& back = halfOut->spec();
+    EXPECT_EQ(back.format, OIIO::TypeDesc::HALF);
+    EXPECT_EQ(std::vector<int>({back.x, back.y, back.full_x, back.full_y, back.full_width,
+                                back.full_height}),
+              std::vector<int>({2, 3, 0, 0, 10, 8}))
+        << "the data and display windows";
     const double blue = FakeEffectFormula::TimeStep(2500, 10000, 1.0f) / 256.0;
     ExpectSamples(out, [&](int x, int, int c) {
         const double straight[] = {1.0 - 0.1, 0.3, blue, 1.0};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FrameRate.h"
+#include "PictureWindow.h"
 #include "PipelineItem.h"
 #include "PixelDepth.h"
 
@@ -22,6 +23,7 @@ struct SourceInfo {
     FrameRate rate;
     std::optional<std::size_t> frameCount;  // none where the input does not say
     long firstNumber = 1;                   // of an image sequence
+    PictureWindow window;                   // of pictures that record one
 };
 
 // Where the pictures of a render come from: a still, an image sequence, a

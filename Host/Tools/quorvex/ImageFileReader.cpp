@@ -130,6 +130,13 @@ bool ImageFileReader::isHalfFloat() const
     return mInput->spec().format.basetype == OIIO::TypeDesc::HALF;
 }
 
+PictureWindow ImageFileReader::window() const
+{
+    const OIIO::ImageSpec& spec = mInput->spec();
+    return PictureWindow{spec.x, spec.y, spec.full_x, spec.full_y, spec.full_width,
+                         spec.full_height};
+}
+
 RgbaFrame ImageFileReader::read()
 {
     const OIIO::ImageSpec& spec = mInput->spec();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PictureWindow.h"
 #include "RgbaFrame.h"
 
 #include <OpenImageIO/imageio.h>
@@ -37,6 +38,7 @@ public:
     PixelDepth depth() const { return mDepth; }
     bool hasAlpha() const;
     bool isHalfFloat() const;
+    PictureWindow window() const;
 
     // The pixels. Throws ToolError (runtime) naming the path.
     RgbaFrame read();

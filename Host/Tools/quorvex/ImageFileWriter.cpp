@@ -48,6 +48,17 @@ void ImageFileWriter::write(const RgbaFrame& frame, const std::string& path, boo
     const OIIO::TypeDesc fileType =
         frame.depth() == PixelDepth::Float && halfFloat ? OIIO::TypeDesc::HALF : frameType;
     OIIO::ImageSpec spec(frame.width(), frame.height(), withAlpha ? 4 : 3, fileType);
+    spec.x = mWindow.x;
+    spec.y = mWindow.y;
+    if (mWindow.fullWidth > 0 && mWindow.fullHeight > 0) {
+        spec.full_x = mWindow.fullX;
+        spec.full_y = mWindow.fullY;
+        spec.full_width = mWindow.fullWidth;
+        spec.full_height = mWindow.fullHeight;
+    } else {
+        spec.full_x = spec.x;
+        spec.full_y = spec.y;
+    }
 
     const RgbaFrame* pixels = &frame;
     RgbaFrame premultiplied;

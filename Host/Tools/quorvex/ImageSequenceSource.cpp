@@ -46,6 +46,7 @@ ImageSequenceSource::ImageSequenceSource(const ImageSequencePattern& pattern,
     mInfo.depth = first.depth();
     mInfo.hasAlpha = first.hasAlpha();
     mInfo.halfFloat = first.isHalfFloat();
+    mInfo.window = first.window();
     mInfo.rate = rate;
     mInfo.frameCount = mRange.count();
     mInfo.firstNumber = mRange.first();
