@@ -1,6 +1,9 @@
 #include "FrameSizeCheck.h"
 
+#include "OpenGLLimits.h"
 #include "ToolError.h"
+
+#include <algorithm>
 
 #include <unistd.h>
 
@@ -55,6 +58,15 @@ void FrameSizeCheck::check(const std::string& name, long width, long height, Pix
     if (width <= 0 || height <= 0) {
         throw ToolError::runtime("cannot read '" + name + "': it claims an empty picture (" +
                                  size + ")");
+    }
+    const long side = std::max(width, height);
+    if (side > OpenGLLimits::kSideEveryDriverRenders) {
+        const long largest = OpenGLLimits::largestFrameSide();
+        if (largest > 0 && side > largest) {
+            throw ToolError::runtime("cannot render '" + name + "': its pictures of " + size +
+                                     " pixels are larger than this OpenGL renders (" +
+                                     std::to_string(largest) + " pixels a side)");
+        }
     }
     const std::uint64_t needed = bytesToRender(static_cast<std::uint64_t>(width),
                                                static_cast<std::uint64_t>(height), depth);

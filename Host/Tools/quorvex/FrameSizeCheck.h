@@ -18,8 +18,8 @@ public:
     static std::uint64_t bytesToRender(std::uint64_t width, std::uint64_t height, PixelDepth depth);
 
     // Throws ToolError (runtime) naming `name` and the size when the picture
-    // is empty, or its render would need more than `memoryBytes` (by
-    // default this machine's memory).
+    // is empty, larger than the effect's OpenGL renders, or its render would
+    // need more than `memoryBytes` (by default this machine's memory).
     static void check(const std::string& name, long width, long height, PixelDepth depth,
                       std::uint64_t memoryBytes = machineMemory());
 
