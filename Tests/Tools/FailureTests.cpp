@@ -142,17 +142,11 @@ TEST_F(FailureTest, SizesThatHeadersClaimAreRefusedBeforeThePixels)
         }
         return bigEndian(static_cast<std::uint32_t>(data.size())) + body + bigEndian(~crc);
     };
-    const auto png = [&](const std::string& name, std::uint32_t width, std::uint32_t height) {
-        std::ofstream(path(name), std::ios::binary)
-            << std::string("\x89PNG\r\n\x1a\n", 8)
-            << chunk("IHDR",
-                     bigEndian(width) + bigEndian(height) + std::string("\x08\x06\0\0\0", 5))
-            << chunk("IDAT", std::string("\x78\x9c\x03\0\0\0\0\x01", 8)) << chunk("IEND", "");
-    };
     const std::uint32_t side = 1000000;
-    png("huge.png", side, side);
-    // Small enough for memory, wider than any OpenGL draws.
-    png("wide.png", 40000, 1);
+    std::ofstream(path("huge.png"), std::ios::binary)
+        << std::string("\x89PNG\r\n\x1a\n", 8)
+        << chunk("IHDR", bigEndian(side) + bigEndian(side) + std::string("\x08\x06\0\0\0", 5))
+        << chunk("IDAT", std::string("\x78\x9c\x03\0\0\0\0\x01", 8)) << chunk("IEND", "");
     // A grey TIFF: header, then one directory of 8 entries.
     std::string tiff("II*\0\x08\0\0\0\x08\0", 10);
     const auto entry = [&](std::uint16_t tag, std::uint16_t type, std::uint32_t value) {
@@ -177,8 +171,6 @@ TEST_F(FailureTest, SizesThatHeadersClaimAreRefusedBeforeThePixels)
     for (const char* name : {"huge.png", "huge.tif"}) {
         expectFailure({"render", path(name), path("out.png")}, 1, {name, "1000000x1000000"});
     }
-    expectFailure({"render", path("wide.png"), path("out.png")}, 1,
-                  {"wide.png", "40000x1", "larger than this OpenGL renders"});
 }
 
 TEST_F(FailureTest, OutputsThatCannotBeWritten)

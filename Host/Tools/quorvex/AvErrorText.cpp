@@ -47,6 +47,12 @@ std::string AvErrorText(int error)
     return logged.empty() ? std::string(text) : logged + " (" + text + ")";
 }
 
+void ForgetFFmpegLog()
+{
+    std::lock_guard<std::mutex> lock(gLogMutex);
+    gFirstError.clear();
+}
+
 void KeepFFmpegLogForErrors()
 {
     av_log_set_callback(KeepFirstError);

@@ -13,5 +13,8 @@ std::string AvErrorText(int error);
 // Sends FFmpeg's log to AvErrorText instead of standard error: its chatter
 // would bury the one line that matters. Call once, at start-up.
 void KeepFFmpegLogForErrors();
+// Forgets what FFmpeg logged so far: a new piece of work starts, and what an
+// earlier one logged concerns no error of this one.
+void ForgetFFmpegLog();
 
 }  // namespace Halvane::Quorvex::Tools

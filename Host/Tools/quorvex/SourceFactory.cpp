@@ -55,7 +55,7 @@ bool HoldsPictureStream(const std::string& path)
     }
     const std::string name = format->iformat->name;
     avformat_close_input(&format);
-    AvErrorText(0);  // what the probe logged concerns no one
+    ForgetFFmpegLog();
     const std::string pipe = "_pipe";
     return name != "image2" && !(name.size() > pipe.size() &&
                                  name.compare(name.size() - pipe.size(), pipe.size(), pipe) == 0);

@@ -50,6 +50,7 @@ VideoReader::VideoReader(const std::string& path) : mPath(path)
 
 void VideoReader::open()
 {
+    ForgetFFmpegLog();
     const std::string& path = mPath;
     const std::string notMedia = "cannot read '" + path + "': not a picture or video file";
     int error = avformat_open_input(&mFormat, path.c_str(), nullptr, nullptr);

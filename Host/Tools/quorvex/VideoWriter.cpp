@@ -62,6 +62,7 @@ ToolError VideoWriter::failure(const std::string& what, int error) const
 void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copyFrom,
                        std::ostream* notes)
 {
+    ForgetFFmpegLog();
     int error = avformat_alloc_output_context2(&mFormat, choice.container(), nullptr,
                                                mOutput.temporaryPath().c_str());
     if (error < 0) {
