@@ -28,7 +28,8 @@ LibraryChatter::LibraryChatter() : mLock(mutex()), mCapture(STDERR_FILENO)
 
 std::string LibraryChatter::finish()
 {
-    std::istringstream lines(mCapture.finish());
+    const std::string captured = mCapture.finish();
+    std::istringstream lines(captured);
     std::string chatter;
     std::string others;
     for (std::string line; std::getline(lines, line);) {
@@ -37,6 +38,10 @@ std::string LibraryChatter::finish()
         } else {
             others += line + "\n";
         }
+    }
+    // A progress bar redraws its line without ending it.
+    if (!others.empty() && captured.back() != '\n') {
+        others.pop_back();
     }
     if (!others.empty() && ::write(STDERR_FILENO, others.data(), others.size()) < 0) {
         // Nothing more to do for a standard error that is gone.
