@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -68,6 +69,12 @@ TEST_F(FailureTest, InputsThatCannotBeRead)
     mInputs = files();
     expectFailure({"render", path("notes.png"), path("out.png")}, 1,
                   {"notes.png", "not a picture or video"});
+    // libpng's own lines and OpenImageIO's several join the one line.
+    std::ostringstream whole;
+    whole << std::ifstream(path("in.png"), std::ios::binary).rdbuf();
+    std::ofstream(path("cut.png"), std::ios::binary) << whole.str().substr(0, whole.str().size() - 30);
+    mInputs = files();
+    expectFailure({"render", path("cut.png"), path("out.png")}, 1, {"cut.png", "end of file"});
     if (::geteuid() != 0) {
         ::chmod(path("in.png").c_str(), 0);
         expectFailure(with({}), 1, {"in.png", "Permission denied"});
@@ -81,6 +88,9 @@ TEST_F(FailureTest, OptionValuesThatMakeNoSense)
     expectFailure(with({"--speed", "0:1,2"}), 2, {"--speed", "'2'", "SECONDS:VALUE"});
     expectFailure(with({"--speed", "3.5"}), 2, {"--speed", "3.5", "0 to 3"});
     expectFailure(with({"--time", "soon"}), 2, {"--time", "'soon'"});
+    for (const char* option : {"--speed", "--glitch", "--time"}) {
+        expectFailure(with({option, ""}), 2, {option, "no value"});
+    }
     expectFailure(with({"--time-offset", "1"}), 2, {"--time-offset", "single picture"});
     expectFailure(with({"--frames", "1:10"}), 2, {"--frames", "in.png"});
     expectFailure(with({"--codec", "libx264"}), 2, {"--codec", "out.png"});
@@ -105,6 +115,62 @@ TEST_F(FailureTest, SequencesWithGapsAndClipsIntoOnePicture)
                   {"g.%d.png", "no files match"});
     expectFailure({"render", path("f.%d.png"), path("out.png"), "--frames", "1:2"}, 2,
                   {"out.png", "2 frames"});
+    // Frame 2 lies past the host's 32-bit time at 24 fps.
+    expectFailure({"render", path("f.%d.png"), path("out.%d.png"), "--frames", "1:2",
+                   "--time-offset", "89478485.29"},
+                  2, {"--time-offset", "frame 2"}, {{"QUORVEX_FAKE_RENDER_STATUS", "77"}});
+    expectFailure({"render", path("f.%099999999999d.png"), path("out.%d.png")}, 2,
+                  {"more than 9 digits"});
+}
+
+// A few bytes of header claiming a picture of terabytes: refused from the
+// header, naming the file and the size, before any pixel buffer is made.
+TEST_F(FailureTest, SizesThatHeadersClaimAreRefusedBeforeThePixels)
+{
+    const auto bigEndian = [](std::uint32_t value) {
+        return std::string{static_cast<char>(value >> 24), static_cast<char>(value >> 16),
+                           static_cast<char>(value >> 8), static_cast<char>(value)};
+    };
+    const auto chunk = [&](const std::string& type, const std::string& data) {
+        const std::string body = type + data;
+        std::uint32_t crc = 0xFFFFFFFFu;
+        for (const char byte : body) {
+            crc ^= static_cast<unsigned char>(byte);
+            for (int bit = 0; bit < 8; ++bit) {
+                crc = (crc >> 1) ^ (0xEDB88320u & (0u - (crc & 1u)));
+            }
+        }
+        return bigEndian(static_cast<std::uint32_t>(data.size())) + body + bigEndian(~crc);
+    };
+    const std::uint32_t side = 1000000;
+    std::ofstream(path("huge.png"), std::ios::binary)
+        << std::string("\x89PNG\r\n\x1a\n", 8)
+        << chunk("IHDR", bigEndian(side) + bigEndian(side) + std::string("\x08\x06\0\0\0", 5))
+        << chunk("IDAT", std::string("\x78\x9c\x03\0\0\0\0\x01", 8)) << chunk("IEND", "");
+    // A grey TIFF: header, then one directory of 8 entries.
+    std::string tiff("II*\0\x08\0\0\0\x08\0", 10);
+    const auto entry = [&](std::uint16_t tag, std::uint16_t type, std::uint32_t value) {
+        const char bytes[12] = {static_cast<char>(tag), static_cast<char>(tag >> 8),
+                                static_cast<char>(type), 0, 1, 0, 0, 0,
+                                static_cast<char>(value), static_cast<char>(value >> 8),
+                                static_cast<char>(value >> 16), static_cast<char>(value >> 24)};
+        tiff.append(bytes, sizeof(bytes));
+    };
+    for (const std::uint16_t tag : {256, 257}) {
+        entry(tag, 4, side);
+    }
+    entry(258, 3, 8);
+    entry(259, 3, 32773);  // PackBits: one strip of a few bytes for all rows
+    entry(262, 3, 1);
+    entry(273, 4, 200);
+    entry(278, 4, side);
+    entry(279, 4, 4096);
+    tiff.append(4 + 200 - tiff.size() - 4, '\0');
+    std::ofstream(path("huge.tif"), std::ios::binary) << tiff << std::string(4096, '\0');
+    mInputs = files();
+    for (const char* name : {"huge.png", "huge.tif"}) {
+        expectFailure({"render", path(name), path("out.png")}, 1, {name, "1000000x1000000"});
+    }
 }
 
 TEST_F(FailureTest, OutputsThatCannotBeWritten)
@@ -113,7 +179,14 @@ TEST_F(FailureTest, OutputsThatCannotBeWritten)
                   {"no/such/folder/out.png", "No such file or directory"});
     expectFailure({"render", path("in.png"), path("no/such/folder/out.mp4")}, 1,
                   {"no/such/folder/out.mp4"});
-    expectFailure({"render", path("in.png"), path("no/out.%04d.png")}, 1, {"no/out.0001.png"});
+    // A picture's output name is taken as typed, pattern or not.
+    expectFailure({"render", path("in.png"), path("no/out.%04d.png")}, 1, {"no/out.%04d.png"});
+    // Encoders and containers that refuse: the output, the setting and the
+    // library's reason on one line.
+    expectFailure({"render", path("in.png"), path("out.mov"), "--codec", "dnxhd"}, 1,
+                  {"out.mov", "dnxhd", "DNxHD"});
+    expectFailure({"render", path("in.png"), path("out.y4m")}, 1, {"out.y4m", "yuv4mpeg"});
+    expectFailure({"render", path("in.png"), path("out.mp3")}, 2, {"'.mp3'"});
     if (::geteuid() != 0) {
         ::mkdir(path("locked").c_str(), 0555);
         mInputs = files();

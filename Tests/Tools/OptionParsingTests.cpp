@@ -76,6 +76,7 @@ TEST(KeyframeListTest, MalformedListsNameTheOptionAndTheCulprit)
     EXPECT_THAT(message("soon:1"), HasSubstr("'soon' is not a time"));
     EXPECT_THAT(message("1:"), HasSubstr("at 1 s has no value"));
     EXPECT_THAT(message("1:2,1.0:3"), HasSubstr("two keyframes at 1 s"));
+    EXPECT_THAT(message("-1e308:1,1e308:2"), HasSubstr("too far apart"));
 }
 
 TEST(EffectSettingsTest, GlitchNamesInAnySpellingAndSpeedsOnlyAsNumbers)

@@ -78,9 +78,13 @@ TEST(BoundedQueueTest, AbortReleasesBothSidesAndCloseDrainsFirst)
 TEST(OutputChoiceTest, ExtensionsChooseTheKindAndTheCodec)
 {
     // The common cases are rendered in RenderVideoTests.
-    EXPECT_EQ(Tools::SinkFactory::classify("a.EXR"), Tools::SinkFactory::Kind::Still);
-    EXPECT_THROW(Tools::SinkFactory::classify("noextension"), Tools::ToolError);
-    EXPECT_THROW(Tools::SinkFactory::classify("f.%04d.xyz"), Tools::ToolError);
+    using Kind = Tools::SinkFactory::Kind;
+    EXPECT_EQ(Tools::SinkFactory::classify("a.EXR", false), Kind::Still);
+    EXPECT_THROW(Tools::SinkFactory::classify("noextension", false), Tools::ToolError);
+    EXPECT_THROW(Tools::SinkFactory::classify("f.%04d.xyz", true), Tools::ToolError);
+    // Only a clip makes a name a pattern; a picture's name is taken as typed.
+    EXPECT_EQ(Tools::SinkFactory::classify("take#2.png", true), Kind::Sequence);
+    EXPECT_EQ(Tools::SinkFactory::classify("100%done.png", false), Kind::Still);
 
     auto mp4 = Tools::VideoEncoderChoice::choose("a.mp4", "");
     mp4.fitTo(64, 48, Tools::PixelDepth::Eight, true);

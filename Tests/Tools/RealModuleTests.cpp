@@ -48,13 +48,14 @@ TEST_F(RealModuleTest, PicturesKeepTheirSizeAndDepthWithTheDefaultModule)
 
 TEST_F(RealModuleTest, AFrameBeyondTheGLLimitsFailsAndWritesNothing)
 {
-    // Wider than any OpenGL's largest texture.
+    // Wider than any OpenGL's largest texture: refused from the header, the
+    // limit asked of the module's OpenGL.
     TestMedia::writePicture(path("wide.png"), 70000, 1, 3, OIIO::TypeDesc::UINT8,
                             [](int x, int, int) { return x % 256; });
     const ToolResult result = run({"render", path("wide.png"), path("out.png")});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_THAT(result.err, ::testing::HasSubstr("70000x1"));
-    EXPECT_THAT(result.err, ::testing::HasSubstr("largest texture"));
+    EXPECT_THAT(result.err, ::testing::HasSubstr("larger than this OpenGL renders"));
     EXPECT_EQ(files(), std::set<std::string>{"wide.png"});
 }
 

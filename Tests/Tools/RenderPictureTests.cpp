@@ -6,6 +6,8 @@
 #include "Tools/Support/ToolTest.h"
 
 #include <cmath>
+#include <filesystem>
+#include <unistd.h>
 #include <functional>
 
 namespace Halvane::Quorvex::Testing {
@@ -38,6 +40,26 @@ void ExpectSamples(const PictureFile& picture, const std::function<double(int, i
 }
 
 class RenderPictureTest : public ToolTest {};
+
+TEST_F(RenderPictureTest, NamesAreTakenAsTyped)
+{
+    TestMedia::writePicture(path("in.png"), 4, 2, 3, OIIO::TypeDesc::UINT8,
+                            [](int, int, int) { return 80.0; });
+    // A picture's output is one file, whatever characters its name holds.
+    for (const char* name : {"take#2.png", "100%done.png"}) {
+        ASSERT_TRUE(Succeeded(runFake({"render", path("in.png"), path(name)})));
+    }
+    EXPECT_EQ(files(), (std::set<std::string>{"in.png", "take#2.png", "100%done.png"}));
+
+    // A module named without a folder is the file of that name here, not a
+    // namesake on the library path.
+    const std::string module = "quorvex-test-module-" + std::to_string(::getpid()) + ".so";
+    std::filesystem::copy_file(QUORVEX_FAKE_EFFECT_PATH, module);
+    const ToolResult result =
+        run({"render", path("in.png"), path("out.png"), "--plugin", module});
+    std::filesystem::remove(module);
+    EXPECT_TRUE(Succeeded(result));
+}
 
 TEST_F(RenderPictureTest, EightBitPngKeepsItsDepthAndEveryChannel)
 {
@@ -91,13 +113,29 @@ TEST_F(RenderPictureTest, FloatExrStaysFloatAndItsAlphaStaysAssociatedInTheFile)
         return c == 3 ? alphas[x] : (0.1 + 0.2 * c) * alphas[x];
     };
     TestMedia::writePicture(path("in.exr"), 4, 2, 4, OIIO::TypeDesc::FLOAT, sample);
-    TestMedia::writePicture(path("half.exr"), 4, 2, 4, OIIO::TypeDesc::HALF, sample);
+    // A half-float picture whose pixels sit inside a larger display window.
+    OIIO::ImageSpec windowed(4, 2, 4, OIIO::TypeDesc::HALF);
+    windowed.x = 2;
+    windowed.y = 3;
+    windowed.full_width = 10;
+    windowed.full_height = 8;
+    const std::vector<float> clear(4 * 2 * 4, 0.0f);
+    const auto half = OIIO::ImageOutput::create(path("half.exr"));
+    ASSERT_TRUE(half && half->open(path("half.exr"), windowed) &&
+                half->write_image(OIIO::TypeDesc::FLOAT, clear.data()) && half->close());
     ASSERT_TRUE(Succeeded(runFake({"render", path("in.exr"), path("out.exr"), "--time", "0.25"})));
     ASSERT_TRUE(Succeeded(runFake({"render", path("half.exr"), path("half-out.exr")})));
 
     const PictureFile out = TestMedia::readPicture(path("out.exr"));
     ASSERT_EQ(out.format, OIIO::TypeDesc::FLOAT);
-    EXPECT_EQ(TestMedia::readPicture(path("half-out.exr")).format, OIIO::TypeDesc::HALF);
+    const auto halfOut = OIIO::ImageInput::open(path("half-out.exr"));
+    ASSERT_TRUE(halfOut);
+    const OIIO::ImageSpec& back = halfOut->spec();
+    EXPECT_EQ(back.format, OIIO::TypeDesc::HALF);
+    EXPECT_EQ(std::vector<int>({back.x, back.y, back.full_x, back.full_y, back.full_width,
+                                back.full_height}),
+              std::vector<int>({2, 3, 0, 0, 10, 8}))
+        << "the data and display windows";
     const double blue = FakeEffectFormula::TimeStep(2500, 10000, 1.0f) / 256.0;
     ExpectSamples(out, [&](int x, int, int c) {
         const double straight[] = {1.0 - 0.1, 0.3, blue, 1.0};

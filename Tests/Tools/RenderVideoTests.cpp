@@ -5,6 +5,8 @@
 #include "Tools/Support/TestMedia.h"
 #include "Tools/Support/ToolTest.h"
 
+#include <cstdlib>
+
 namespace Halvane::Quorvex::Testing {
 namespace {
 
@@ -100,6 +102,19 @@ TEST_F(RenderVideoTest, SequencesBecomeVideoAndVideoBecomesSequences)
         EXPECT_EQ(TestMedia::readPicture(path(name)).width, 32) << name;
     }
     EXPECT_FALSE(files().count("frame.007.tif"));
+}
+
+TEST_F(RenderVideoTest, PicturesThatHoldSeveralFramesAreClips)
+{
+    for (const char* name : {"anim.png", "clip.mjpeg"}) {
+        SCOPED_TRACE(name);
+        const std::string make = "ffmpeg -loglevel error -y -i '" + path("clip.mkv") +
+                                 "' -an -f " + (name[0] == 'a' ? "apng" : "mjpeg") + " '" +
+                                 path(name) + "'";
+        ASSERT_EQ(std::system(make.c_str()), 0);
+        ASSERT_TRUE(Succeeded(runFake({"render", path(name), path("out.mkv")})));
+        EXPECT_EQ(MediaProbe::probe(path("out.mkv")).frames, 6);
+    }
 }
 
 }  // namespace

@@ -35,18 +35,21 @@ AtomicOutputFile::AtomicOutputFile(const std::string& target) : mTarget(target)
     }
     for (;;) {
         mTemporary = TemporaryPathFor(target);
+        // Registered first: a signal that ends the process while the file
+        // is being made still finds it.
+        TemporaryFileRegistry::add(mTemporary);
         const int fd = ::open(mTemporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (fd >= 0) {
             ::close(fd);
             break;
         }
-        if (errno != EEXIST) {
-            const std::string reason = std::strerror(errno);
+        const int openError = errno;
+        TemporaryFileRegistry::remove(mTemporary);
+        if (openError != EEXIST) {
             mTemporary.clear();
-            throw ToolError::runtime("cannot write '" + target + "': " + reason);
+            throw ToolError::runtime("cannot write '" + target + "': " + std::strerror(openError));
         }
     }
-    TemporaryFileRegistry::add(mTemporary);
 }
 
 AtomicOutputFile::~AtomicOutputFile()

@@ -1,5 +1,6 @@
 #include "DemoCommand.h"
 
+#include "AtomicOutputFile.h"
 #include "ContactSheet.h"
 #include "DemoClip.h"
 #include "EffectHost.h"
@@ -77,7 +78,9 @@ int DemoCommand::run()
                   << ContactSheet::kFont << " is not installed (Debian: fonts-dejavu-core)\n";
     }
 
-    std::vector<std::string> written;
+    // Every file is made under a temporary name and put in place only when
+    // all are done: an interrupted or failed demo leaves none of them.
+    std::vector<AtomicOutputFile> staged;
     for (std::size_t row = 0; row < kGlitchTypes.size(); ++row) {
         const int glitchType = kGlitchTypes[row];
         const std::string path =
@@ -92,7 +95,8 @@ int DemoCommand::run()
         settings.height = DemoClip::kHeight;
         settings.rate = clip.info().rate;
         settings.timeBase = clip.info().timeBase;
-        VideoWriter video(path, encoder, settings, nullptr, nullptr);
+        staged.emplace_back(path);
+        VideoWriter video(staged.back().temporaryPath(), encoder, settings, nullptr, nullptr);
 
         ProgressReporter progress(ProgressReporter::styleFor(mQuiet),
                                   std::filesystem::path(path).filename().string(),
@@ -107,18 +111,20 @@ int DemoCommand::run()
             }
         });
         pipeline.run();
-        written.push_back(path);
     }
 
-    const std::string sheetPath = (folder / "contact-sheet.png").string();
-    sheet.write(sheetPath);
-    written.push_back(sheetPath);
+    staged.emplace_back((folder / "contact-sheet.png").string());
+    sheet.write(staged.back().temporaryPath());
     effect.setDown();
+    for (AtomicOutputFile& file : staged) {
+        file.commit();
+    }
 
     if (!mQuiet) {
         std::cerr << "quorvex demo: wrote";
-        for (std::size_t i = 0; i < written.size(); ++i) {
-            std::cerr << (i == 0 ? " " : i + 1 == written.size() ? " and " : ", ") << written[i];
+        for (std::size_t i = 0; i < staged.size(); ++i) {
+            std::cerr << (i == 0 ? " " : i + 1 == staged.size() ? " and " : ", ")
+                      << staged[i].target();
         }
         std::cerr << "\n";
     }

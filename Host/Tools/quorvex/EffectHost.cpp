@@ -2,6 +2,7 @@
 
 #include "EffectSettings.h"
 #include "FrameConverter.h"
+#include "ModuleLocation.h"
 #include "NumberText.h"
 
 #include "Runtime/EffectSession.h"
@@ -34,7 +35,8 @@ EffectHost::EffectHost(const std::string& modulePath, bool verbose)
 {
     try {
         mRuntime = std::make_unique<Host::HostRuntime>();
-        mModule = mOutput.around([&] { return std::make_unique<Host::PluginModule>(modulePath); });
+        mModule = mOutput.around(
+            [&] { return std::make_unique<Host::PluginModule>(LoadableModulePath(modulePath)); });
     } catch (const Host::HostError& error) {
         throw ToolError::runtime(error.what());
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FrameRate.h"
+#include "PictureWindow.h"
 #include "PipelineItem.h"
 #include "PixelDepth.h"
 
@@ -31,6 +32,7 @@ struct SourceInfo {
     // The number an output image sequence gives the render's first frame:
     // the input's own for an image sequence, else the frame's place from 1.
     long firstNumber = 1;
+    PictureWindow window;  // of pictures that record one
 };
 
 // Where the pictures of a render come from: a still, an image sequence, a

@@ -1,7 +1,10 @@
 #include "ImageFileReader.h"
 
+#include "LibraryChatter.h"
 #include "ToolError.h"
 
+#include <limits>
+#include <optional>
 #include <vector>
 
 namespace Halvane::Quorvex::Tools {
@@ -48,19 +51,29 @@ void FillChannel(T* frame, int to, T value, std::size_t pixels)
 
 ImageFileReader::ImageFileReader(const std::string& path) : mPath(path)
 {
+    // The size a header claims is judged by FrameSizeCheck, against this
+    // machine's memory and with the size named; OpenImageIO's own limit
+    // would refuse first with a message of its own.
+    static const bool kOwnSizeLimit =
+        OIIO::attribute("limits:imagesize_MB", std::numeric_limits<int>::max());
+    (void)kOwnSizeLimit;
     // PNG and TIFF keep straight alpha when asked; without the hint they
     // would be multiplied on the way in.
     OIIO::ImageSpec config;
     config.attribute("oiio:UnassociatedAlpha", 1);
+    LibraryChatter chatter;
     mInput = OIIO::ImageInput::open(path, &config);
+    const std::string libraries = chatter.finish();
     if (!mInput) {
+        // OpenImageIO's later lines give advice about its own settings.
         std::string reason = OIIO::geterror();
         const auto newline = reason.find('\n');
         if (newline != std::string::npos) {
             reason.resize(newline);
         }
-        throw ToolError::runtime("cannot read '" + path +
-                                 "': " + (reason.empty() ? "not a picture file" : reason));
+        throw ToolError::runtime(
+            "cannot read '" + path + "': " +
+            LibraryChatter::oneLine(reason.empty() ? "not a picture file" : reason, libraries));
     }
     mDepth = DepthOfType(mInput->spec().format);
 }
@@ -70,6 +83,13 @@ ImageFileReader::~ImageFileReader()
     if (mInput) {
         mInput->close();
     }
+}
+
+bool ImageFileReader::isPictureFile(const std::string& path)
+{
+    const auto input = OIIO::ImageInput::create(path);
+    OIIO::geterror();  // a failed look-up leaves a message nobody needs
+    return input && input->valid_file(path);
 }
 
 OIIO::TypeDesc ImageFileReader::sampleTypeOf(PixelDepth depth)
@@ -110,6 +130,13 @@ bool ImageFileReader::isHalfFloat() const
     return mInput->spec().format.basetype == OIIO::TypeDesc::HALF;
 }
 
+PictureWindow ImageFileReader::window() const
+{
+    const OIIO::ImageSpec& spec = mInput->spec();
+    return PictureWindow{spec.x, spec.y, spec.full_x, spec.full_y, spec.full_width,
+                         spec.full_height};
+}
+
 RgbaFrame ImageFileReader::read()
 {
     const OIIO::ImageSpec& spec = mInput->spec();
@@ -118,8 +145,17 @@ RgbaFrame ImageFileReader::read()
         static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.height);
     const OIIO::TypeDesc type = sampleTypeOf(mDepth);
     std::vector<unsigned char> samples(pixels * static_cast<std::size_t>(channels) * type.size());
-    if (!mInput->read_image(0, 0, 0, channels, type, samples.data())) {
-        throw ToolError::runtime("cannot read '" + mPath + "': " + mInput->geterror());
+    // Only libpng is known to print by itself; other formats read without
+    // holding standard error.
+    std::optional<LibraryChatter> chatter;
+    if (std::string(mInput->format_name()) == "png") {
+        chatter.emplace();
+    }
+    const bool read = mInput->read_image(0, 0, 0, channels, type, samples.data());
+    const std::string libraries = chatter ? chatter->finish() : std::string();
+    if (!read) {
+        throw ToolError::runtime("cannot read '" + mPath +
+                                 "': " + LibraryChatter::oneLine(mInput->geterror(), libraries));
     }
 
     // Red, green and blue are the first three channels that are not alpha;

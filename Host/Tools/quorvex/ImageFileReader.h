@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PictureWindow.h"
 #include "RgbaFrame.h"
 
 #include <OpenImageIO/imageio.h>
@@ -20,6 +21,10 @@ public:
     explicit ImageFileReader(const std::string& path);
     ~ImageFileReader();
 
+    // Whether the file starts the way a picture format that its extension
+    // names starts (a PNG signature in a .png), readable or not.
+    static bool isPictureFile(const std::string& path);
+
     // The OpenImageIO type of one sample at `depth`.
     static OIIO::TypeDesc sampleTypeOf(PixelDepth depth);
 
@@ -27,11 +32,13 @@ public:
     // animated GIF); movies belong to the video reader.
     bool isMovie() const;
 
+    const std::string& path() const { return mPath; }
     int width() const;
     int height() const;
     PixelDepth depth() const { return mDepth; }
     bool hasAlpha() const;
     bool isHalfFloat() const;
+    PictureWindow window() const;
 
     // The pixels. Throws ToolError (runtime) naming the path.
     RgbaFrame read();

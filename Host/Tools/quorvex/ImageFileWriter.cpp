@@ -1,11 +1,13 @@
 #include "ImageFileWriter.h"
 
 #include "ImageFileReader.h"
+#include "LibraryChatter.h"
 #include "ToolError.h"
 
 #include <OpenImageIO/imageio.h>
 
 #include <filesystem>
+#include <optional>
 
 namespace Halvane::Quorvex::Tools {
 
@@ -46,6 +48,17 @@ void ImageFileWriter::write(const RgbaFrame& frame, const std::string& path, boo
     const OIIO::TypeDesc fileType =
         frame.depth() == PixelDepth::Float && halfFloat ? OIIO::TypeDesc::HALF : frameType;
     OIIO::ImageSpec spec(frame.width(), frame.height(), withAlpha ? 4 : 3, fileType);
+    spec.x = mWindow.x;
+    spec.y = mWindow.y;
+    if (mWindow.fullWidth > 0 && mWindow.fullHeight > 0) {
+        spec.full_x = mWindow.fullX;
+        spec.full_y = mWindow.fullY;
+        spec.full_width = mWindow.fullWidth;
+        spec.full_height = mWindow.fullHeight;
+    } else {
+        spec.full_x = spec.x;
+        spec.full_y = spec.y;
+    }
 
     const RgbaFrame* pixels = &frame;
     RgbaFrame premultiplied;
@@ -57,8 +70,15 @@ void ImageFileWriter::write(const RgbaFrame& frame, const std::string& path, boo
         spec.attribute("oiio:UnassociatedAlpha", 1);
     }
 
+    // Only libpng is known to print by itself.
+    std::optional<LibraryChatter> chatter;
+    if (std::string(output->format_name()) == "png") {
+        chatter.emplace();
+    }
     const auto fail = [&](const std::string& reason) {
-        return ToolError::runtime("cannot write '" + mTarget + "': " + reason);
+        const std::string libraries = chatter ? chatter->finish() : std::string();
+        return ToolError::runtime("cannot write '" + mTarget +
+                                  "': " + LibraryChatter::oneLine(reason, libraries));
     };
     if (!output->open(path, spec)) {
         throw fail(output->geterror());
@@ -72,6 +92,9 @@ void ImageFileWriter::write(const RgbaFrame& frame, const std::string& path, boo
     }
     if (!output->close()) {
         throw fail(output->geterror());
+    }
+    if (chatter) {
+        chatter->finish();
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PictureWindow.h"
 #include "RgbaFrame.h"
 
 #include <string>
@@ -19,6 +20,9 @@ public:
 
     static bool knowsExtension(const std::string& target);
 
+    // Where the pictures sit, for formats that record it.
+    void setWindow(const PictureWindow& window) { mWindow = window; }
+
     // Writes `frame` into `path` (a temporary beside the target) in the
     // target's format; float frames as half floats when `halfFloat`.
     // Throws ToolError (runtime) naming the target.
@@ -26,6 +30,7 @@ public:
 
 private:
     std::string mTarget;
+    PictureWindow mWindow;
 };
 
 }  // namespace Halvane::Quorvex::Tools

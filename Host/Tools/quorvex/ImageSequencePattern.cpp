@@ -10,6 +10,10 @@ namespace Halvane::Quorvex::Tools {
 
 namespace {
 
+// Frame numbers on disk are read with at most this many digits, so no
+// pattern may ask for more.
+constexpr std::size_t kMostDigits = 9;
+
 struct Placeholder {
     std::size_t start;
     std::size_t length;
@@ -28,7 +32,11 @@ std::vector<Placeholder> FindPlaceholders(const std::string& name)
             }
             if (j < name.size() && name[j] == 'd') {
                 const std::string digits = name.substr(i + 1, j - i - 1);
-                found.push_back({i, j - i + 1, digits.empty() ? 0 : std::stoi(digits)});
+                // Widths too long to count are kept as too wide to use.
+                const int width = digits.empty()                ? 0
+                                  : digits.size() > kMostDigits ? static_cast<int>(j - i)
+                                                                : std::stoi(digits);
+                found.push_back({i, j - i + 1, width});
                 i = j;
             }
         } else if (name[i] == '#') {
@@ -69,6 +77,10 @@ ImageSequencePattern::ImageSequencePattern(const std::string& path) : mText(path
     mPrefix = name.substr(0, placeholders[0].start);
     mSuffix = name.substr(placeholders[0].start + placeholders[0].length);
     mWidth = placeholders[0].width;
+    if (mWidth > static_cast<int>(kMostDigits)) {
+        throw ToolError::usage("'" + path + "' pads frame numbers to more than " +
+                               std::to_string(kMostDigits) + " digits");
+    }
 }
 
 std::string ImageSequencePattern::pathOf(long number) const
@@ -98,7 +110,7 @@ std::vector<long> ImageSequencePattern::existingNumbers() const
         }
         const std::string digits =
             name.substr(mPrefix.size(), name.size() - mPrefix.size() - mSuffix.size());
-        if (digits.size() > 9 || !std::all_of(digits.begin(), digits.end(), [](char c) {
+        if (digits.size() > kMostDigits || !std::all_of(digits.begin(), digits.end(), [](char c) {
                 return std::isdigit(static_cast<unsigned char>(c));
             })) {
             continue;

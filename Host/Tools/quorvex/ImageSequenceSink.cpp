@@ -3,9 +3,10 @@
 namespace Halvane::Quorvex::Tools {
 
 ImageSequenceSink::ImageSequenceSink(const ImageSequencePattern& pattern, long firstNumber,
-                                     bool halfFloat)
+                                     bool halfFloat, const PictureWindow& window)
     : mPattern(pattern), mWriter(pattern.text()), mFirstNumber(firstNumber), mHalfFloat(halfFloat)
 {
+    mWriter.setWindow(window);
     mFiles.emplace_back(mPattern.pathOf(mFirstNumber));
 }
 

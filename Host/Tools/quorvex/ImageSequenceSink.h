@@ -16,7 +16,8 @@ class ImageSequenceSink : public FrameSink {
 public:
     // Reserves the first file now. Throws ToolError naming the pattern or
     // the file.
-    ImageSequenceSink(const ImageSequencePattern& pattern, long firstNumber, bool halfFloat);
+    ImageSequenceSink(const ImageSequencePattern& pattern, long firstNumber, bool halfFloat,
+                      const PictureWindow& window = {});
 
     void write(const SourceFrame& frame) override;
     void finish() override;

@@ -4,6 +4,7 @@
 #include "ToolError.h"
 
 #include <algorithm>
+#include <cmath>
 #include <sstream>
 
 namespace Halvane::Quorvex::Tools {
@@ -71,9 +72,16 @@ KeyframeList KeyframeList::parse(const std::string& option, const std::string& t
     std::stable_sort(list.mKeyframes.begin(), list.mKeyframes.end(),
                      [](const Keyframe& a, const Keyframe& b) { return a.seconds < b.seconds; });
     for (std::size_t i = 1; i < list.mKeyframes.size(); ++i) {
-        if (list.mKeyframes[i].seconds == list.mKeyframes[i - 1].seconds) {
-            throw ToolError::usage(quoted + ": two keyframes at " +
-                                   FormatNumber(list.mKeyframes[i].seconds) + " s");
+        const double before = list.mKeyframes[i - 1].seconds;
+        const double after = list.mKeyframes[i].seconds;
+        if (after == before) {
+            throw ToolError::usage(quoted + ": two keyframes at " + FormatNumber(after) + " s");
+        }
+        // Values between keyframes are shares of the span, which must be a
+        // number.
+        if (!std::isfinite(after - before)) {
+            throw ToolError::usage(quoted + ": the keyframes at " + FormatNumber(before) +
+                                   " s and " + FormatNumber(after) + " s are too far apart");
         }
     }
     return list;

@@ -19,8 +19,8 @@ public:
     using ValueParser = std::function<double(const std::string& text)>;
 
     // Throws ToolError (usage) naming `option` and the culprit for an empty
-    // text, an entry that is not SECONDS:VALUE, a time that is not a number
-    // and two keyframes at one time.
+    // text, an entry that is not SECONDS:VALUE, a time that is not a number,
+    // two keyframes at one time and two whose span overflows.
     static KeyframeList parse(const std::string& option, const std::string& text,
                               const ValueParser& parseValue);
     // One value for all of time.

@@ -13,4 +13,13 @@ std::string DefaultModulePath()
     return (folder / "Quorvex.so").string();
 }
 
+std::string LoadableModulePath(const std::string& modulePath)
+{
+    std::error_code error;
+    if (modulePath.find('/') == std::string::npos && std::filesystem::exists(modulePath, error)) {
+        return "./" + modulePath;
+    }
+    return modulePath;
+}
+
 }  // namespace Halvane::Quorvex::Tools

@@ -36,6 +36,20 @@ std::optional<double> SecondsOption(const std::string& option, const std::string
     return seconds;
 }
 
+// A clip whose last frame lies beyond the host's 32-bit time is refused
+// before the first frame, not when the render reaches it.
+void CheckLastFrameTime(const FrameTimeline& timeline, std::size_t frameCount,
+                        std::int64_t nominalStep, const std::string& timeOffset)
+{
+    try {
+        timeline.timeOf(static_cast<std::int64_t>(frameCount - 1) * nominalStep);
+    } catch (const ToolError&) {
+        throw ToolError::usage("--time-offset: " + (timeOffset.empty() ? "0" : timeOffset) +
+                               " s puts frame " + std::to_string(frameCount) +
+                               " of the input beyond the time a host can state");
+    }
+}
+
 }  // namespace
 
 RenderCommand::RenderCommand(Options options) : mOptions(std::move(options))
@@ -67,7 +81,10 @@ int RenderCommand::run()
         }
         sourceOptions.startFrame = number;
     }
-    const SinkFactory::Kind outputKind = SinkFactory::classify(mOptions.output);
+    const bool sequenceInput = SourceFactory::namesImageSequence(mOptions.input);
+    // Whether a still input's output is a picture or a video shows in its
+    // name alone; a pattern in it is settled once the input is open.
+    SinkFactory::Kind outputKind = SinkFactory::classify(mOptions.output, sequenceInput);
     std::optional<VideoEncoderChoice> encoder;
     if (outputKind == SinkFactory::Kind::Video) {
         encoder = VideoEncoderChoice::choose(mOptions.output, mOptions.codec);
@@ -75,7 +92,7 @@ int RenderCommand::run()
         throw ToolError::usage("--codec: '" + mOptions.output +
                                "' is not a video; --codec applies to video outputs");
     }
-    if (sourceOptions.startFrame && !SourceFactory::namesImageSequence(mOptions.input)) {
+    if (sourceOptions.startFrame && !sequenceInput) {
         throw ToolError::usage("--start-frame: '" + mOptions.input +
                                "' is not an image sequence (name one like frame.%04d.png)");
     }
@@ -90,6 +107,9 @@ int RenderCommand::run()
     if (video && sourceOptions.rate) {
         throw ToolError::usage("--fps: '" + mOptions.input + "' is a video and keeps its own rate");
     }
+    if (!info.isStill && !sequenceInput) {
+        outputKind = SinkFactory::classify(mOptions.output, true);
+    }
     if (info.isStill && timeOffset) {
         throw ToolError::usage("--time-offset: '" + mOptions.input +
                                "' is a single picture; give its time with --time");
@@ -103,12 +123,14 @@ int RenderCommand::run()
                                mOptions.input + "' has " + std::to_string(*info.frameCount) +
                                " frames; name an image sequence (frame.%04d.png) or a video");
     }
+    const std::int64_t nominalStep =
+        info.isStill ? 1 : av_rescale_q(1, info.rate.frameDuration(), info.timeBase);
     const FrameTimeline timeline =
         info.isStill ? FrameTimeline::forStill(time.value_or(1.0))
-                     : FrameTimeline::forClip(
-                           info.timeBase,
-                           av_rescale_q(1, info.rate.frameDuration(), info.timeBase),
-                           timeOffset.value_or(0.0));
+                     : FrameTimeline::forClip(info.timeBase, nominalStep, timeOffset.value_or(0.0));
+    if (!info.isStill && info.frameCount && *info.frameCount > 0) {
+        CheckLastFrameTime(timeline, *info.frameCount, nominalStep, mOptions.timeOffset);
+    }
     const PixelDepth depth = chosenDepth.value_or(info.depth);
 
     SinkFactory::Request request;

@@ -8,7 +8,6 @@
 #include "ProgressReporter.h"
 #include "ToolError.h"
 
-#include <csignal>
 #include <exception>
 #include <mutex>
 #include <thread>
@@ -43,20 +42,6 @@ private:
     std::mutex mMutex;
     std::exception_ptr mFailure;
 };
-
-std::string SignalName(int signal)
-{
-    switch (signal) {
-    case SIGINT:
-        return "Ctrl-C (SIGINT)";
-    case SIGTERM:
-        return "SIGTERM";
-    case SIGHUP:
-        return "SIGHUP";
-    default:
-        return "signal " + std::to_string(signal);
-    }
-}
 
 }  // namespace
 
@@ -147,9 +132,7 @@ std::size_t RenderPipeline::run()
 
     if (mInterrupts.interrupted()) {
         mProgress.abandon();
-        throw ToolError(
-            mInterrupts.exitCode(),
-            "interrupted by " + SignalName(mInterrupts.signalNumber()) + "; no output was written");
+        throw ToolError(mInterrupts.exitCode(), mInterrupts.reason() + "; no output was written");
     }
     try {
         failure.rethrow();

@@ -9,9 +9,9 @@
 
 namespace Halvane::Quorvex::Tools {
 
-SinkFactory::Kind SinkFactory::classify(const std::string& target)
+SinkFactory::Kind SinkFactory::classify(const std::string& target, bool clipInput)
 {
-    if (ImageSequencePattern::isPattern(target)) {
+    if (clipInput && ImageSequencePattern::isPattern(target)) {
         const ImageSequencePattern pattern(target);
         const ImageFileWriter checked(pattern.text());
         return Kind::Sequence;
@@ -29,7 +29,8 @@ std::unique_ptr<FrameSink> SinkFactory::open(const std::string& target, const So
     switch (request.kind) {
     case Kind::Sequence:
         return std::make_unique<ImageSequenceSink>(ImageSequencePattern(target),
-                                                   request.firstNumber, request.halfFloat);
+                                                   request.firstNumber, request.halfFloat,
+                                                   source.window);
     case Kind::Video: {
         VideoWriter::Settings settings;
         settings.width = source.width;
@@ -41,7 +42,7 @@ std::unique_ptr<FrameSink> SinkFactory::open(const std::string& target, const So
                                              request.notes);
     }
     default:
-        return std::make_unique<StillImageSink>(target, request.halfFloat);
+        return std::make_unique<StillImageSink>(target, request.halfFloat, source.window);
     }
 }
 

@@ -15,15 +15,17 @@ class VideoEncoderChoice;
 class VideoReader;
 
 // Opens the output of a render by what the path names: an image sequence
-// when its file name holds a frame number placeholder, a video when its
-// extension is a video container's, else a picture.
+// when the input is a clip and the file name holds a frame number
+// placeholder, a video when its extension is a video container's, else a
+// picture. The output of a single picture is named literally: "take#2.png"
+// and "100%done.png" are file names, not patterns.
 class SinkFactory {
 public:
     enum class Kind { Still, Sequence, Video };
 
     // Throws ToolError (usage) naming the path when no picture format or
     // video container goes with its extension.
-    static Kind classify(const std::string& target);
+    static Kind classify(const std::string& target, bool clipInput);
 
     struct Request {
         Kind kind = Kind::Still;

@@ -1,5 +1,7 @@
 #include "SourceFactory.h"
 
+#include "AvErrorText.h"
+#include "FrameSizeCheck.h"
 #include "ImageFileReader.h"
 #include "ImageSequencePattern.h"
 #include "ImageSequenceSource.h"
@@ -7,9 +9,14 @@
 #include "ToolError.h"
 #include "VideoReader.h"
 
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <optional>
 #include <filesystem>
 #include <unistd.h>
 
@@ -36,6 +43,24 @@ void CheckReadableFile(const std::string& path)
     ::close(fd);
 }
 
+// Whether FFmpeg reads the file as a stream of pictures (an animated PNG, a
+// raw MJPEG stream, ...): a format that can hold several frames is a clip,
+// even where OpenImageIO reads its first picture alone. FFmpeg's readers of
+// single pictures are "image2" and the "..._pipe" ones.
+bool HoldsPictureStream(const std::string& path)
+{
+    AVFormatContext* format = nullptr;
+    if (avformat_open_input(&format, path.c_str(), nullptr, nullptr) < 0) {
+        return false;
+    }
+    const std::string name = format->iformat->name;
+    avformat_close_input(&format);
+    ForgetFFmpegLog();
+    const std::string pipe = "_pipe";
+    return name != "image2" && !(name.size() > pipe.size() &&
+                                 name.compare(name.size() - pipe.size(), pipe.size(), pipe) == 0);
+}
+
 }  // namespace
 
 bool SourceFactory::namesImageSequence(const std::string& path)
@@ -54,16 +79,27 @@ std::unique_ptr<FrameSource> SourceFactory::open(const std::string& path, const 
     CheckReadableFile(path);
 
     std::unique_ptr<ImageFileReader> picture;
+    std::optional<ToolError> pictureFailure;
     try {
         picture = std::make_unique<ImageFileReader>(path);
-    } catch (const ToolError&) {
+    } catch (const ToolError& error) {
         // Not a picture; perhaps a video.
+        pictureFailure = error;
     }
-    if (picture && !picture->isMovie()) {
+    if (picture && !picture->isMovie() && !HoldsPictureStream(path)) {
+        FrameSizeCheck::check(path, picture->width(), picture->height(), picture->depth());
         return std::make_unique<StillImageSource>(path, std::move(picture), rate);
     }
     picture.reset();
-    return std::make_unique<VideoReader>(path, options.frames);
+    try {
+        return std::make_unique<VideoReader>(path, options.frames);
+    } catch (const ToolError&) {
+        // A file that is plainly a picture failed for a reason of its own.
+        if (pictureFailure && ImageFileReader::isPictureFile(path)) {
+            throw *pictureFailure;
+        }
+        throw;
+    }
 }
 
 const VideoReader* SourceFactory::videoReaderOf(const FrameSource& source)

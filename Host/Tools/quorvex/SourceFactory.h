@@ -15,6 +15,7 @@ class VideoReader;
 // Opens the input of a render by what the path names: an image sequence
 // when its file name holds a frame number placeholder (and no such file
 // exists), else a picture OpenImageIO reads, else a video FFmpeg reads.
+// Formats that can hold several pictures (animated PNG, MJPEG) are videos.
 class SourceFactory {
 public:
     struct Options {

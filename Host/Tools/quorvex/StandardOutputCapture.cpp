@@ -16,12 +16,13 @@ namespace {
 void FlushStandardOutput()
 {
     std::cout.flush();
-    std::fflush(stdout);
+    std::cerr.flush();
+    std::fflush(nullptr);
 }
 
 }  // namespace
 
-StandardOutputCapture::StandardOutputCapture()
+StandardOutputCapture::StandardOutputCapture(int descriptor) : mDescriptor(descriptor)
 {
     FlushStandardOutput();
     // An unlinked temporary file rather than a pipe: however much the
@@ -33,8 +34,8 @@ StandardOutputCapture::StandardOutputCapture()
     }
     mCapture = ::dup(fileno(file));
     std::fclose(file);
-    mSavedOutput = ::dup(STDOUT_FILENO);
-    if (mCapture < 0 || mSavedOutput < 0 || ::dup2(mCapture, STDOUT_FILENO) < 0) {
+    mSavedOutput = ::dup(mDescriptor);
+    if (mCapture < 0 || mSavedOutput < 0 || ::dup2(mCapture, mDescriptor) < 0) {
         const std::string reason = std::strerror(errno);
         restore();
         throw ToolError::runtime("cannot capture standard output: " + reason);
@@ -50,7 +51,7 @@ void StandardOutputCapture::restore()
 {
     if (mSavedOutput >= 0) {
         FlushStandardOutput();
-        ::dup2(mSavedOutput, STDOUT_FILENO);
+        ::dup2(mSavedOutput, mDescriptor);
         ::close(mSavedOutput);
         mSavedOutput = -1;
     }

@@ -4,13 +4,14 @@
 
 namespace Halvane::Quorvex::Tools {
 
-// Catches what the process writes to standard output, at the file
-// descriptor, so that output of loaded modules (C stdio or C++ streams) is
-// caught too. While it lives, file descriptor 1 points at a temporary file.
+// Catches what the process writes to standard output (or standard error),
+// at the file descriptor, so that output of loaded modules and libraries (C
+// stdio or C++ streams) is caught too. While it lives, the descriptor points
+// at a temporary file.
 class StandardOutputCapture {
 public:
     // Throws ToolError (runtime) when the descriptors cannot be set up.
-    StandardOutputCapture();
+    explicit StandardOutputCapture(int descriptor = 1);
     // Restores standard output if finish() was not called.
     ~StandardOutputCapture();
 
@@ -23,6 +24,7 @@ public:
 private:
     void restore();
 
+    int mDescriptor;
     int mSavedOutput = -1;
     int mCapture = -1;
 };

@@ -4,9 +4,11 @@
 
 namespace Halvane::Quorvex::Tools {
 
-StillImageSink::StillImageSink(const std::string& target, bool halfFloat)
+StillImageSink::StillImageSink(const std::string& target, bool halfFloat,
+                               const PictureWindow& window)
     : mWriter(target), mOutput(target), mHalfFloat(halfFloat)
 {
+    mWriter.setWindow(window);
 }
 
 void StillImageSink::write(const SourceFrame& frame)

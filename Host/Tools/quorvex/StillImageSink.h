@@ -10,7 +10,7 @@ namespace Halvane::Quorvex::Tools {
 class StillImageSink : public FrameSink {
 public:
     // Reserves the output now. Throws ToolError naming the target.
-    StillImageSink(const std::string& target, bool halfFloat);
+    StillImageSink(const std::string& target, bool halfFloat, const PictureWindow& window = {});
 
     void write(const SourceFrame& frame) override;
     void finish() override;

@@ -14,6 +14,7 @@ StillImageSource::StillImageSource(const std::string& path, std::unique_ptr<Imag
     mInfo.depth = mReader->depth();
     mInfo.hasAlpha = mReader->hasAlpha();
     mInfo.halfFloat = mReader->isHalfFloat();
+    mInfo.window = mReader->window();
     mInfo.isStill = true;
     mInfo.frameCount = 1;
 }

@@ -58,6 +58,13 @@ bool Offers(const AVCodec* codec, AVPixelFormat format)
     return false;
 }
 
+// Audio files (.mp3, .flac) name a picture codec for cover art, not video.
+bool HoldsCoverArtOnly(const AVOutputFormat& format)
+{
+    return format.audio_codec != AV_CODEC_ID_NONE &&
+           (format.video_codec == AV_CODEC_ID_PNG || format.video_codec == AV_CODEC_ID_MJPEG);
+}
+
 }  // namespace
 
 bool VideoEncoderChoice::isVideoPath(const std::string& target)
@@ -67,7 +74,7 @@ bool VideoEncoderChoice::isVideoPath(const std::string& target)
     }
     const AVOutputFormat* format = av_guess_format(nullptr, target.c_str(), nullptr);
     return format && format->video_codec != AV_CODEC_ID_NONE && !(format->flags & AVFMT_NOFILE) &&
-           !ImageFileWriter::knowsExtension(target);
+           !HoldsCoverArtOnly(*format) && !ImageFileWriter::knowsExtension(target);
 }
 
 VideoEncoderChoice VideoEncoderChoice::choose(const std::string& target,

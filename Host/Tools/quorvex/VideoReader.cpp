@@ -1,6 +1,7 @@
 #include "VideoReader.h"
 
 #include "AvErrorText.h"
+#include "FrameSizeCheck.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -58,6 +59,7 @@ VideoReader::VideoReader(const std::string& path, const std::optional<FrameRange
 
 void VideoReader::open()
 {
+    ForgetFFmpegLog();
     const std::string& path = mPath;
     const std::string notMedia = "cannot read '" + path + "': not a picture or video file";
     int error = avformat_open_input(&mFormat, path.c_str(), nullptr, nullptr);
@@ -78,6 +80,14 @@ void VideoReader::open()
         throw ToolError::runtime(notMedia + " (it holds no video stream)");
     }
     AVStream* stream = mFormat->streams[mStreamIndex];
+    const AVCodecParameters& header = *stream->codecpar;
+    if (header.width > 0 && header.height > 0) {
+        const AVPixFmtDescriptor* format =
+            av_pix_fmt_desc_get(static_cast<AVPixelFormat>(header.format));
+        FrameSizeCheck::check(path, header.width, header.height,
+                              format && format->comp[0].depth > 8 ? PixelDepth::Sixteen
+                                                                  : PixelDepth::Eight);
+    }
     mDecoder = avcodec_alloc_context3(codec);
     if (!mDecoder) {
         throw ToolError::runtime("cannot read '" + path + "': out of memory");

@@ -8,6 +8,7 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 #include <libavutil/opt.h>
+#include <libavutil/pixdesc.h>
 #include <libswscale/swscale.h>
 }
 
@@ -104,13 +105,21 @@ VideoWriter::~VideoWriter()
 
 ToolError VideoWriter::failure(const std::string& what, int error) const
 {
-    return ToolError::runtime("cannot " + what + " '" + mOutput.target() +
-                              "': " + AvErrorText(error));
+    // The encoder and its pixel format, which the container may refuse.
+    std::string setting;
+    if (mEncoder && mEncoder->codec) {
+        const char* pixelFormat = av_get_pix_fmt_name(mEncoder->pix_fmt);
+        setting = std::string(" (--codec ") + mEncoder->codec->name + ", " +
+                  (pixelFormat ? pixelFormat : "no pixel format") + ")";
+    }
+    return ToolError::runtime("cannot " + what + " '" + mOutput.target() + "'" + setting + ": " +
+                              AvErrorText(error));
 }
 
 void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copyFrom,
                        std::ostream* notes)
 {
+    ForgetFFmpegLog();
     int error = avformat_alloc_output_context2(&mFormat, choice.container(), nullptr,
                                                mOutput.temporaryPath().c_str());
     if (error < 0) {
@@ -153,8 +162,12 @@ void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copy
     error = avcodec_open2(mEncoder, choice.codec(), &options);
     av_dict_free(&options);
     if (error < 0) {
-        throw ToolError::runtime("cannot encode '" + mOutput.target() + "' with " +
-                                 choice.codec()->name + ": " + AvErrorText(error));
+        const char* pixelFormat = av_get_pix_fmt_name(mEncoder->pix_fmt);
+        throw ToolError::runtime("cannot encode '" + mOutput.target() + "' with --codec " +
+                                 choice.codec()->name + " at " + std::to_string(mSettings.width) +
+                                 "x" + std::to_string(mSettings.height) + ", " +
+                                 (pixelFormat ? pixelFormat : "no pixel format") + ", " +
+                                 mSettings.rate.text() + " fps: " + AvErrorText(error));
     }
 
     mStream = avformat_new_stream(mFormat, nullptr);

@@ -1,3 +1,4 @@
+#include "AvErrorText.h"
 #include "DemoCommand.h"
 #include "FrameMemory.h"
 #include "InfoCommand.h"
@@ -7,10 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
-extern "C" {
-#include <libavutil/log.h>
-}
-
+#include <csignal>
 #include <iostream>
 #include <new>
 
@@ -18,10 +16,14 @@ int main(int argc, char** argv)
 {
     using namespace Halvane::Quorvex::Tools;
 
-    // FFmpeg's own chatter would bury the one line that matters; every
-    // failure reaches the user through a ToolError.
-    av_log_set_level(AV_LOG_QUIET);
+    // Every failure reaches the user through a ToolError, FFmpeg's reason
+    // folded in.
+    KeepFFmpegLogForErrors();
     KeepFrameMemoryBetweenFrames();
+    // A closed pipe on standard output or error is an error to report, not a
+    // reason to die; commands that make files stop through their
+    // InterruptWatcher.
+    std::signal(SIGPIPE, SIG_IGN);
 
     CLI::App app{
         "quorvex: applies the Quorvex glitch effect to pictures, image sequences and video",
@@ -38,8 +40,12 @@ int main(int argc, char** argv)
     std::string modulePath = DefaultModulePath();
     bool quiet = false;
     bool verbose = false;
+    // An empty value is a mistake to name, not "not given".
+    const CLI::Validator nonEmpty(
+        [](const std::string& value) { return value.empty() ? "no value given" : ""; }, "", "");
     app.add_option("--plugin", modulePath, "the effect module (default: Quorvex.so beside quorvex)")
-        ->type_name("PATH");
+        ->type_name("PATH")
+        ->check(nonEmpty);
     app.add_flag("-q,--quiet", quiet, "no progress or notes on standard error");
     app.add_flag("-v,--verbose", verbose,
                  "show what the effect module prints (its OpenGL report) on standard error; "
@@ -53,16 +59,18 @@ int main(int argc, char** argv)
                      "a picture (PNG, TIFF, JPEG, EXR, ...), an image sequence "
                      "(frame.%04d.png) or a video")
         ->type_name("INPUT")
-        ->required();
+        ->required()
+        ->check(nonEmpty);
     renderCommand
         ->add_option("output", render.output,
                      "a picture, an image sequence, or a video: .mp4 (H.264), "
                      ".mov (ProRes 4444 with alpha), .mkv (FFV1)")
         ->type_name("OUTPUT")
-        ->required();
+        ->required()
+        ->check(nonEmpty);
     const auto option = [&](const char* name, std::string& value, const char* type,
                             const char* help) {
-        renderCommand->add_option(name, value, help)->type_name(type);
+        renderCommand->add_option(name, value, help)->type_name(type)->check(nonEmpty);
     };
     option("--glitch", render.glitch, "TYPE|KEYS",
            "block or badtv, or keyframes held until the next: \"0:block,2.5:badtv\" "
@@ -100,7 +108,8 @@ int main(int argc, char** argv)
     CLI::App* demoCommand = app.add_subcommand(
         "demo", "render a built-in test clip with each glitch type, and a contact sheet");
     demoCommand->add_option("dir", demoFolder, "where the files go (default ./quorvex-demo)")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->check(nonEmpty);
     demoCommand->fallthrough();
 
     CLI::App* infoCommand = app.add_subcommand(
@@ -143,7 +152,11 @@ int main(int argc, char** argv)
         if (*demoCommand) {
             return DemoCommand(demoFolder, modulePath, quiet, verbose).run();
         }
-        return InfoCommand(modulePath, std::cout).run();
+        const int exitCode = InfoCommand(modulePath, std::cout).run();
+        if (!std::cout.flush()) {
+            throw ToolError::runtime("cannot write the report to standard output: it was closed");
+        }
+        return exitCode;
     } catch (const ToolError& error) {
         std::cerr << "quorvex: " << error.what() << "\n";
         return error.exitCode();

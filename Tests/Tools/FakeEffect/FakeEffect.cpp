@@ -14,6 +14,7 @@
 //                                 standard output after a line of its
 //                                 own, as a module with a context does
 //   QUORVEX_FAKE_FRAME_DELAY_MS=N each frame takes N milliseconds
+//   QUORVEX_FAKE_SETUP_DELAY_MS=N GlobalSetup takes N milliseconds
 //   QUORVEX_FAKE_LOG=PATH         appends a line per command to PATH
 #include "BasicSuite.h"
 #include "Common.h"
@@ -66,6 +67,8 @@ PF_Err About(PF_InData* in_data, PF_OutData* out_data)
 PF_Err GlobalSetup(PF_OutData* out_data)
 {
     Log("GlobalSetup");
+    std::this_thread::sleep_for(
+        std::chrono::milliseconds(EnvironmentNumber("QUORVEX_FAKE_SETUP_DELAY_MS", 0)));
     out_data->out_flags = PF_OutFlag_DEEP_COLOR_AWARE;
     out_data->out_flags2 = PF_OutFlag2_SUPPORTS_SMART_RENDER | PF_OutFlag2_FLOAT_COLOR_AWARE;
     if (std::getenv("QUORVEX_FAKE_GL_REPORT")) {

@@ -49,14 +49,14 @@ std::string ReadAll(int fd)
 
 ToolProcess::ToolProcess(const std::vector<std::string>& arguments,
                          const std::map<std::string, std::string>& environment,
-                         bool errorIsTerminal)
-    : ToolProcess(QUORVEX_TOOL_PATH, arguments, environment, errorIsTerminal)
+                         bool errorIsTerminal, int errorTarget)
+    : ToolProcess(QUORVEX_TOOL_PATH, arguments, environment, errorIsTerminal, errorTarget)
 {
 }
 
 ToolProcess::ToolProcess(const std::string& program, const std::vector<std::string>& arguments,
                          const std::map<std::string, std::string>& environment,
-                         bool errorIsTerminal)
+                         bool errorIsTerminal, int errorTarget)
 {
     std::vector<std::string> argumentTexts{program};
     argumentTexts.insert(argumentTexts.end(), arguments.begin(), arguments.end());
@@ -73,10 +73,9 @@ ToolProcess::ToolProcess(const std::string& program, const std::vector<std::stri
 
     mOutFile = ::memfd_create("quorvex-out", MFD_CLOEXEC);
     Check(mOutFile >= 0, "memfd_create");
-    int errorTarget = -1;
-    if (errorIsTerminal) {
+    if (errorTarget < 0 && errorIsTerminal) {
         Check(::openpty(&mTerminal, &errorTarget, nullptr, nullptr, nullptr) == 0, "openpty");
-    } else {
+    } else if (errorTarget < 0) {
         errorTarget = mErrFile = ::memfd_create("quorvex-err", MFD_CLOEXEC);
         Check(mErrFile >= 0, "memfd_create");
     }
@@ -88,7 +87,7 @@ ToolProcess::ToolProcess(const std::string& program, const std::vector<std::stri
     errno = ::posix_spawnp(&mPid, argumentTexts[0].c_str(), &actions, nullptr,
                           Pointers(argumentTexts).data(), Pointers(environmentTexts).data());
     posix_spawn_file_actions_destroy(&actions);
-    if (errorIsTerminal) {
+    if (mTerminal >= 0) {
         ::close(errorTarget);
     }
     Check(errno == 0, "posix_spawn");
@@ -109,7 +108,26 @@ ToolProcess::~ToolProcess()
 
 void ToolProcess::sendSignal(int signal)
 {
-    ::kill(mPid, signal);
+    if (mPid > 0) {
+        ::kill(mPid, signal);
+    }
+}
+
+bool ToolProcess::endsWithin(std::chrono::milliseconds limit)
+{
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (mPid > 0) {
+        int status = 0;
+        if (::waitpid(mPid, &status, WNOHANG) == mPid) {
+            mPid = -1;
+            mStatus = status;
+        } else if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        } else {
+            ::usleep(20 * 1000);
+        }
+    }
+    return true;
 }
 
 ToolResult ToolProcess::wait()
@@ -128,8 +146,8 @@ ToolResult ToolProcess::wait()
             }
         }
     }
-    int status = 0;
-    while (::waitpid(mPid, &status, 0) < 0 && errno == EINTR) {
+    int status = mStatus.value_or(0);
+    while (mPid > 0 && ::waitpid(mPid, &status, 0) < 0 && errno == EINTR) {
     }
     mPid = -1;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);

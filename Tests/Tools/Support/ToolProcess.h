@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <map>
+#include <optional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -19,12 +21,15 @@ struct ToolResult {
 // error can be a terminal, to see what users see at one.
 class ToolProcess {
 public:
-    // `environment` is added to the test's own.
+    // `environment` is added to the test's own. `errorTarget`, where given,
+    // is the descriptor standard error goes to.
     ToolProcess(const std::vector<std::string>& arguments,
-                const std::map<std::string, std::string>& environment, bool errorIsTerminal);
+                const std::map<std::string, std::string>& environment, bool errorIsTerminal,
+                int errorTarget = -1);
     // `program` is a path, or a name looked up in PATH.
     ToolProcess(const std::string& program, const std::vector<std::string>& arguments,
-                const std::map<std::string, std::string>& environment, bool errorIsTerminal);
+                const std::map<std::string, std::string>& environment, bool errorIsTerminal,
+                int errorTarget = -1);
     // Kills the program if it still runs.
     ~ToolProcess();
 
@@ -32,10 +37,14 @@ public:
     ToolProcess& operator=(const ToolProcess&) = delete;
 
     void sendSignal(int signal);
+    // Whether the program ends within `limit`; one that does not is killed
+    // when the object goes.
+    bool endsWithin(std::chrono::milliseconds limit);
     ToolResult wait();
 
 private:
     pid_t mPid = -1;
+    std::optional<int> mStatus;  // once the program has ended
     int mOutFile = -1;
     int mErrFile = -1;
     int mTerminal = -1;
