@@ -9,6 +9,7 @@
 #include "GL/FrameProfiler.h"
 #include "GL/SaveRestoreGLContextMac.h"
 #include "GlitchRender.h"
+#include "HostWorldCheck.h"
 #include "Helper/SuiteScoper.h"
 
 #include <glbinding/gl/gl.h>
@@ -198,6 +199,7 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
     if (const PF_Err err = extra->cb->checkout_output(in_data->effect_ref, &output)) {
         return err;
     }
+    HostWorldCheck::requireUsable(in_data, input, output);
 
     // Every way out of the frame, thrown ones included, gives the host its
     // context back: the saver restores when it goes out of scope.
