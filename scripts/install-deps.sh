@@ -11,6 +11,7 @@ packages=(
   libopenimageio-dev openimageio-tools
   libavformat-dev libavcodec-dev libswscale-dev libavutil-dev libswresample-dev
   libcli11-dev
+  clang libclang-rt-14-dev
 )
 
 missing=()

@@ -156,6 +156,7 @@ TEST(SimpleOptionTest, DepthsRatesAndRanges)
     const Tools::FrameRange range = Tools::FrameRange::parse("7:9");
     EXPECT_EQ(range.first(), 7);
     EXPECT_EQ(range.count(), 3u);
+    EXPECT_EQ(Tools::FrameRange::parse("0:9223372036854775807").count(), std::size_t{1} << 63);
     for (const char* bad : {"9:7", "7", "a:b", "-1:3"}) {
         EXPECT_THAT(UsageMessage([&] { Tools::FrameRange::parse(bad); }), HasSubstr("--frames"));
     }
