@@ -50,6 +50,15 @@ struct LoadedEffect {
         Require(session.globalSetup() == PF_Err_NONE, "global set-up failed");
         Require(session.paramsSetup() == PF_Err_NONE, "parameter set-up failed");
     }
+
+    // At the end of the run, as a host that unloads the effect: what the
+    // module still holds then is a leak.
+    ~LoadedEffect()
+    {
+        GLPlatform::makeCurrent(hostContext.get());
+        session.globalSetdown();
+        GLPlatform::makeCurrent(GLPlatform::CurrentBinding{});
+    }
 };
 
 PF_PixelFormat TakeFormat(FuzzInput& input)
@@ -64,7 +73,8 @@ std::unique_ptr<World> TakeWorld(FuzzInput& input)
     const PF_PixelFormat format = TakeFormat(input);
     const auto width = static_cast<A_long>(input.upTo(kLargestSide));
     const auto height = static_cast<A_long>(input.upTo(kLargestSide));
-    auto world = std::make_unique<World>(width, height, format, static_cast<A_long>(input.upTo(31)));
+    const auto padding = static_cast<A_long>(World::pixelSize(format) / 4 * input.upTo(7));
+    auto world = std::make_unique<World>(width, height, format, padding);
     for (A_long y = 0; y < height; ++y) {
         const std::size_t used = static_cast<std::size_t>(width) * world->pixelSize();
         for (std::size_t i = 0; i < used; ++i) {

@@ -92,7 +92,7 @@ TEST_P(DepthTest, AFrameComesBackUprightAndUnchangedAsFarAsTheOutputReaches)
 {
     const A_long pixelSize = static_cast<A_long>(World::pixelSize(GetParam()));
     expectRoundTrip(GetParam(), 7, 5, 3 * pixelSize, 2);
-    expectRoundTrip(GetParam(), 7, 5, pixelSize / 2 + 1, -2);
+    expectRoundTrip(GetParam(), 7, 5, pixelSize / 4 * 3, -2);
     expectRoundTrip(GetParam(), 7, 5, 0, -5);
     EXPECT_EQ(mHost.suites().outstanding(), 0u);
     EXPECT_EQ(mHost.handles().openHandles(), 0u);
