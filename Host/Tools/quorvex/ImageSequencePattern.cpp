@@ -28,7 +28,10 @@ std::vector<Placeholder> FindPlaceholders(const std::string& name)
             }
             if (j < name.size() && name[j] == 'd') {
                 const std::string digits = name.substr(i + 1, j - i - 1);
-                found.push_back({i, j - i + 1, digits.empty() ? 0 : std::stoi(digits)});
+                // A width of more digits than an int holds is marked -1, and
+                // refused with every other absurd width.
+                const long width = digits.size() > 9 ? -1 : (digits.empty() ? 0 : std::stol(digits));
+                found.push_back({i, j - i + 1, static_cast<int>(width)});
                 i = j;
             }
         } else if (name[i] == '#') {
@@ -69,6 +72,13 @@ ImageSequencePattern::ImageSequencePattern(const std::string& path) : mText(path
     mPrefix = name.substr(0, placeholders[0].start);
     mSuffix = name.substr(placeholders[0].start + placeholders[0].length);
     mWidth = placeholders[0].width;
+    // No frame number has more digits than the largest long; a wider
+    // padding would only make names of gigabytes.
+    constexpr int kWidestFrameNumber = 19;
+    if (mWidth < 0 || mWidth > kWidestFrameNumber) {
+        throw ToolError::usage("'" + path + "': a frame number is padded to at most " +
+                               std::to_string(kWidestFrameNumber) + " digits");
+    }
 }
 
 std::string ImageSequencePattern::pathOf(long number) const

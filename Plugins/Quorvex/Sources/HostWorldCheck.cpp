@@ -89,14 +89,14 @@ std::string HostWorldCheck::problem(const PF_EffectWorld* world, PF_PixelFormat 
     if (written && (world->world_flags & PF_WorldFlag_WRITEABLE) == 0) {
         return "it is not writeable";
     }
-    if (world->width == 0 || world->height == 0) {
-        return {};
-    }
     const std::size_t rowLength = static_cast<std::size_t>(world->width) * depth.pixelSize;
-    if (world->rowbytes < 0 || static_cast<std::size_t>(world->rowbytes) < rowLength) {
+    if (world->rowbytes < 0 || (world->height > 0 && static_cast<std::size_t>(world->rowbytes) < rowLength)) {
         return "its rows are " + std::to_string(world->rowbytes) + " bytes apart, fewer than the " +
                std::to_string(rowLength) + " bytes of " + std::to_string(world->width) + " pixels of " +
                FormatName(format);
+    }
+    if (world->width == 0 || world->height == 0) {
+        return {};
     }
     if (world->data == nullptr) {
         return "it has no pixel memory for its " + size + " pixels";
@@ -111,7 +111,7 @@ std::string HostWorldCheck::problem(const PF_EffectWorld* world, PF_PixelFormat 
     return {};
 }
 
-void HostWorldCheck::requireUsable(PF_InData* in_data, const PF_EffectWorld* input,
+PF_PixelFormat HostWorldCheck::requireUsable(PF_InData* in_data, const PF_EffectWorld* input,
                                    const PF_EffectWorld* output)
 {
     SuiteScoper<PF_WorldSuite2> worldSuite(in_data, kPFWorldSuite, 2);
@@ -127,6 +127,7 @@ void HostWorldCheck::requireUsable(PF_InData* in_data, const PF_EffectWorld* inp
     if (const std::string why = problem(output, format, true); !why.empty()) {
         Refuse("output", why);
     }
+    return format;
 }
 
 }  // namespace Halvane::Quorvex

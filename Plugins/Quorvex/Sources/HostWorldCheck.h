@@ -16,8 +16,9 @@ public:
     // (PF_Err_BAD_CALLBACK_PARAM) is thrown. The pixel formats come from the
     // host's "PF World Suite"; a failed query counts as 8 bits, as the frame
     // itself does. The output must have the input's format, since the frame
-    // is read back in it.
-    static void requireUsable(PF_InData* in_data, const PF_EffectWorld* input,
+    // is read back in it. Returns the input's format: the frame must run at
+    // the depth that was checked, not at one a second query might answer.
+    static PF_PixelFormat requireUsable(PF_InData* in_data, const PF_EffectWorld* input,
                               const PF_EffectWorld* output);
 
     // Why a frame cannot read (or, with `written`, write) `world` as pixels of
