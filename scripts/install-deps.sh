@@ -14,6 +14,7 @@ packages=(
   ffmpeg melt gstreamer1.0-tools gstreamer1.0-plugins-good gstreamer1.0-plugins-bad
   gstreamer1.0-libav frei0r-plugins-dev frei0r-plugins
   parallel fonts-dejavu-core
+  clang libclang-rt-14-dev
 )
 
 missing=()

@@ -30,7 +30,10 @@ std::unordered_map<const PF_EffectWorld*, World*>& Registry()
 World::World(A_long width, A_long height, PF_PixelFormat format, A_long rowPaddingBytes)
     : mFormat(format)
 {
-    if (width < 0 || height < 0 || rowPaddingBytes < 0) {
+    // Rows start aligned to a channel, as every host's do: GL and the pixel
+    // accessors read channels of 16 and 32 bits only where they are aligned.
+    if (width < 0 || height < 0 || rowPaddingBytes < 0 ||
+        static_cast<std::size_t>(rowPaddingBytes) % (pixelSize(format) / 4) != 0) {
         throw HostError("cannot make a world of " + std::to_string(width) + "x" +
                         std::to_string(height) + " pixels with " +
                         std::to_string(rowPaddingBytes) + " bytes of row padding");

@@ -16,7 +16,8 @@ class World {
 public:
     static constexpr unsigned char kPaddingMarker = 0xA5;
 
-    // Throws HostError for a negative size. A format the host does not know
+    // Throws HostError for a negative size, or padding that is not a whole
+    // number of channels. A format the host does not know
     // is laid out like an 8-bit world, so that an effect can be handed a
     // format it must refuse.
     World(A_long width, A_long height, PF_PixelFormat format, A_long rowPaddingBytes = 0);

@@ -1,5 +1,6 @@
 #include "Frei0r/Frei0rHostTest.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
@@ -13,6 +14,13 @@ ToolResult Frei0rHostTest::runHost(const std::string& program,
     // A registry of the build's own: no cache from elsewhere can hide the
     // plug-in, and GStreamer lists it anew whenever the file changes.
     environment.emplace("GST_REGISTRY", QUORVEX_GST_REGISTRY);
+#ifdef QUORVEX_SANITIZER_RUNTIME
+    // The hosts' own leaks are theirs; faults in the plug-in still halt.
+    environment.emplace("LD_PRELOAD", QUORVEX_SANITIZER_RUNTIME);
+    const char* options = std::getenv("ASAN_OPTIONS");
+    environment.emplace("ASAN_OPTIONS",
+                        std::string(options ? options : "") + ":detect_leaks=0");
+#endif
     return ToolProcess(program, arguments, environment, false).wait();
 }
 

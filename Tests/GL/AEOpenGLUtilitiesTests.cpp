@@ -97,7 +97,8 @@ TEST_F(UtilitiesTest, AnUploadHoldsTheWorldInTheHostsOrderAndNamesItsDepth)
                                Depth{PF_PixelFormat_ARGB64, GL_UNSIGNED_SHORT, 0x3FFFFF00u, 65535.0},
                                Depth{PF_PixelFormat_ARGB128, GL_FLOAT, 0x3F800000u, 1.0}}) {
         SCOPED_TRACE(depth.format);
-        World input(5, 3, depth.format, 6);
+        // Three channels of padding: aligned rows, not a whole number of pixels apart.
+        World input(5, 3, depth.format, static_cast<A_long>(World::pixelSize(depth.format) / 4 * 3));
         const bool isFloat = depth.format == PF_PixelFormat_ARGB128;
         // Float values beyond white are kept; only the output clamps them.
         HostPixels::fill(input, [&](A_long x, A_long y, int channel) {

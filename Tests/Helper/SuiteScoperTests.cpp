@@ -88,11 +88,9 @@ TEST_F(SuiteAccessTest, TheScoperTrustsTheStatusAndAcquireSuiteThePointer)
     EXPECT_EQ(AcquireSuite(&in_data, &out_data, kPFHandleSuite, 2, nullptr, &suite),
               PF_Err_BAD_CALLBACK_PARAM);
     EXPECT_STREQ(out_data.return_msg, "Not able to acquire AEFX Suite-PF Handle Suite-2");
-    {
-        // Status 0 satisfies the scoper; with no table it has nothing to release.
-        SuiteScoper<PF_HandleSuite1> scoper(&in_data, kPFHandleSuite, 2);
-        EXPECT_EQ(scoper.get(), nullptr);
-    }
+    // Status 0 with no table is a missing suite to the scoper too, whose
+    // users call through the table.
+    EXPECT_THROW(SuiteScoper<PF_HandleSuite1>(&in_data, kPFHandleSuite, 2), int);
     EXPECT_EQ(host.suites().outstanding(), 0u);
 }
 

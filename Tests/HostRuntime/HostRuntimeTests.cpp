@@ -54,6 +54,7 @@ TEST(WorldTest, RowsArePaddedAndThePaddingIsWatched)
     EXPECT_FALSE(world.paddingIntact());
     EXPECT_EQ(World::find(world.layer()), &world);
     EXPECT_THROW(World(-1, 2, PF_PixelFormat_ARGB32), HostError);
+    EXPECT_THROW(World(2, 2, PF_PixelFormat_ARGB64, 3), HostError) << "misaligned rows";
 }
 
 TEST(PluginModuleTest, LoadFailuresNameTheFileAndTheReason)

@@ -172,12 +172,13 @@ std::vector<ModelPixel> GlitchModel::badTV(const BadTVRandoms& randoms, float iT
             const float x = (static_cast<float>(px) + 0.5f) / width * width;
             const float y = (static_cast<float>(py) + 0.5f) / height * height;
             // A row close to the band threshold, or to a whole number of
-            // periods where mod wraps, may take either branch on a GPU.
-            const float periods = y / rnd;
-            const bool certain = std::fabs(Mod(y, rnd) - rnd / 8.0f) > kBoundaryMargin * rnd &&
-                                 std::fabs(periods - std::nearbyint(periods)) > kBoundaryMargin;
+            // periods where mod wraps, may take either branch on a GPU. A
+            // frame with rnd 0 has only gap rows.
+            const float periods = rnd > 0.0f ? y / rnd : 0.0f;
+            const bool certain = rnd == 0.0f || (std::fabs(Mod(y, rnd) - rnd / 8.0f) > kBoundaryMargin * rnd &&
+                                                 std::fabs(periods - std::nearbyint(periods)) > kBoundaryMargin);
             Vec4 colour;
-            if (Mod(y, rnd) > rnd / 8.0f) {
+            if (rnd > 0.0f && Mod(y, rnd) > rnd / 8.0f) {
                 const float of = std::sin(y / rnd * iTime) * rnd * 2.0f;
                 const float u2 = (x + of) / width;
                 const float v2 = (y + of / 2.0f) / height;

@@ -47,6 +47,8 @@ TEST_F(SmartRenderTest, BothGlitchesMatchTheModelAtEveryDepth)
         {GlitchType::Block, MidTick(4), 1.0},      {GlitchType::Block, MidTick(37, 2.5), 2.5},
         {GlitchType::Block, -MidTick(11), 1.0},    {GlitchType::BadTV, 0.25, 1.0},
         {GlitchType::BadTV, 1.5, 0.5},             {GlitchType::BadTV, -0.75, 3.0},
+        // The first frame of every clip, and a still one: rnd is 0.
+        {GlitchType::BadTV, 0.0, 1.0},             {GlitchType::BadTV, 3.7, 0.0},
     };
     for (PF_PixelFormat format : kFormats) {
         auto input = makePicture(61, 47, format, 12);

@@ -50,10 +50,12 @@ TEST(FrameConverterTest, FilesRgbaBecomesTheHostsAlphaFirstOrderAtEachDepth)
     Host::World world16(2, 1, PF_PixelFormat_ARGB64);
     FrameConverter::toWorld(eight, world16);
     EXPECT_EQ(world16.pixel16(0, 0).red, 1285) << "10/255 of 32768";
-    RgbaFrame white(1, 1, PixelDepth::Eight);
-    std::fill_n(white.samples8(), 4, 255);
+    RgbaFrame white(2, 1, PixelDepth::Eight);
+    std::fill_n(white.samples8(), 8, 255);
     FrameConverter::toWorld(white, world16);
-    EXPECT_EQ(world16.pixel16(0, 0).alpha, 32768);
+    EXPECT_EQ(world16.pixel16(1, 0).alpha, 32768);
+    EXPECT_THROW(FrameConverter::toWorld(RgbaFrame(1, 1, PixelDepth::Eight), world16), Tools::ToolError)
+        << "a smaller picture would be read past its end";
 
     RgbaFrame floating(1, 1, PixelDepth::Float);
     const float samplesFloat[] = {-0.5f, 0.25f, 2.0f, 0.75f};

@@ -157,6 +157,7 @@ TEST(SimpleOptionTest, DepthsRatesAndRanges)
     const Tools::FrameRange range = Tools::FrameRange::parse("7:9");
     EXPECT_EQ(range.first(), 7);
     EXPECT_EQ(range.count(), 3u);
+    EXPECT_EQ(Tools::FrameRange::parse("0:9223372036854775807").count(), std::size_t{1} << 63);
     for (const char* bad : {"9:7", "7", "a:b", "-1:3"}) {
         EXPECT_THAT(UsageMessage([&] { Tools::FrameRange::parse(bad); }), HasSubstr("--frames"));
     }
@@ -175,6 +176,9 @@ TEST_F(ImageSequencePatternTest, PlaceholdersNumbersAndTheFilesThatMatch)
     EXPECT_THAT(UsageMessage([] { Tools::ImageSequencePattern("a%02d.%04d.png"); }),
                 HasSubstr("has 2"));
 
+    for (const char* absurd : {"f%020d.png", "f%814385413d.png", "f%84111111111111111111d.png"}) {
+        EXPECT_THAT(UsageMessage([&] { Tools::ImageSequencePattern{absurd}; }), HasSubstr("at most 19 digits"));
+    }
     EXPECT_EQ(Tools::ImageSequencePattern("shots/frame.%04d.png").pathOf(7),
               "shots/frame.0007.png");
     EXPECT_EQ(Tools::ImageSequencePattern("frame.##.png").pathOf(123), "frame.123.png");

@@ -67,6 +67,13 @@ TEST_F(RealModuleTest, InfoReportsTheEffectAndItsOpenGL)
     EXPECT_THAT(info.out, ::testing::HasSubstr("Speed (slider): range 0 to 3, default 1"));
     EXPECT_THAT(info.out, ::testing::HasSubstr("OpenGL (as the module reports it)"));
     EXPECT_THAT(info.out, ::testing::ContainsRegex("Renderer: [^ \n]"));
+
+    // A stray platform setting is named once and stops nothing.
+    const ToolResult stray = run({"info"}, {{"QUORVEX_EGL_PLATFORM", "vulkan"}});
+    ASSERT_TRUE(Succeeded(stray));
+    EXPECT_THAT(stray.err, ::testing::ContainsRegex("QUORVEX_EGL_PLATFORM is \"vulkan\".*ignored"));
+    EXPECT_EQ(stray.err.find("QUORVEX_EGL_PLATFORM"), stray.err.rfind("QUORVEX_EGL_PLATFORM")) << stray.err;
+    EXPECT_THAT(stray.out, ::testing::ContainsRegex("Renderer: [^ \n]"));
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 #include "FrameConverter.h"
 
+#include "ToolError.h"
+
 #include "Runtime/World.h"
 
 #include <limits>
+#include <string>
 #include <vector>
 
 namespace Halvane::Quorvex::Tools {
@@ -70,6 +73,11 @@ const std::vector<std::uint16_t>& HostToFileTable()
 
 void FrameConverter::toWorld(const RgbaFrame& source, Host::World& world)
 {
+    if (source.width() != world.width() || source.height() != world.height()) {
+        throw ToolError::runtime("a " + std::to_string(source.width()) + "x" + std::to_string(source.height()) +
+                                 " picture cannot fill a frame of " + std::to_string(world.width()) + "x" +
+                                 std::to_string(world.height()));
+    }
     RgbaFrame converted;
     const RgbaFrame* converting = &source;
     if (source.depth() != DepthOf(world)) {

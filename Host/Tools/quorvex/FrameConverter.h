@@ -23,7 +23,7 @@ public:
     static std::uint16_t hostToFile16(A_u_short value);
 
     // Fills `world` with `frame`, converting to the world's depth where the
-    // two differ. The sizes must match.
+    // two differ. Throws ToolError when the sizes differ.
     static void toWorld(const RgbaFrame& frame, Host::World& world);
     // The world's picture as a frame of the world's depth.
     static RgbaFrame fromWorld(const Host::World& world);

@@ -16,7 +16,9 @@ public:
 
     long first() const { return mFirst; }
     long last() const { return mLast; }
-    std::size_t count() const { return static_cast<std::size_t>(mLast - mFirst + 1); }
+    // Counted unsigned: a range up to the largest frame number holds one
+    // more frame than a long can count.
+    std::size_t count() const { return static_cast<std::size_t>(mLast) - static_cast<std::size_t>(mFirst) + 1; }
 
 private:
     long mFirst;

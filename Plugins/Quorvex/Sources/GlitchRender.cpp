@@ -6,7 +6,11 @@
 
 #include <glbinding/gl/gl.h>
 
+#include <cmath>
 #include <cstring>
+#include <iostream>
+#include <limits>
+#include <string>
 
 using namespace gl;
 
@@ -32,6 +36,31 @@ constexpr int kVertexStride = 4 * sizeof(float);
 // Byte offsets into the bound buffer, passed where GL takes a pointer.
 const float* const kPositionOffset = nullptr;
 const float* const kTextureCoordinateOffset = reinterpret_cast<const float*>(2 * sizeof(float));
+
+// Seconds of layer time, scaled by Speed; all in single precision.
+float ShaderTime(const PF_InData* in_data, float speed)
+{
+    const float time = static_cast<float>(in_data->current_time) / static_cast<float>(in_data->time_scale);
+    return time * speed;
+}
+
+// Why the shaders' time cannot be made from this Speed at this moment, or
+// empty: a time that is not a number draws an undefined picture.
+std::string TimeProblem(const PF_InData* in_data, double speed)
+{
+    if (!std::isfinite(speed)) {
+        return "Speed " + std::to_string(speed) + " is not a finite number";
+    }
+    if (in_data->time_scale == 0) {
+        return "the host's time scale is 0";
+    }
+    if (std::fabs(speed) > std::numeric_limits<float>::max() ||
+        !std::isfinite(ShaderTime(in_data, static_cast<float>(speed)))) {
+        return "Speed " + std::to_string(speed) + " at " + std::to_string(in_data->current_time) + "/" +
+               std::to_string(in_data->time_scale) + " s is beyond single precision";
+    }
+    return {};
+}
 
 OpenglShader* MakeProgram(const char* fragmentSource)
 {
@@ -82,7 +111,13 @@ A_long GlitchRender::preaprea(PF_InData* in_data, PF_OutData*, PF_SmartRenderExt
     if (err == PF_Err_NONE) {
         err = in_data->inter.checkout_param(in_data->effect_ref, kSpeedIndex, in_data->current_time,
                                             in_data->time_step, in_data->time_scale, &param);
-        speed = static_cast<float>(param.u.fs_d.value);
+        const std::string problem = err == PF_Err_NONE ? TimeProblem(in_data, param.u.fs_d.value) : "";
+        if (!problem.empty()) {
+            std::cerr << "Quorvex: the frame cannot be drawn: " << problem << std::endl;
+            err = PF_Err_BAD_CALLBACK_PARAM;
+        } else {
+            speed = static_cast<float>(param.u.fs_d.value);
+        }
     }
     mSpeed = speed;
     const PF_Err speedCheckinErr = in_data->inter.checkin_param(in_data->effect_ref, &param);
@@ -113,10 +148,7 @@ void GlitchRender::draw(PF_InData* in_data, PF_LayerDef* world, unsigned int tex
     shader->setUniformTexture("videoTexture", static_cast<int>(GL_TEXTURE_2D),
                               static_cast<int>(texture), 0);
     shader->setUniform1f("multiplier16bit", multiplier);
-    // Seconds of layer time, scaled by Speed; all in single precision.
-    float time = static_cast<float>(in_data->current_time) / static_cast<float>(in_data->time_scale);
-    time *= mSpeed;
-    shader->setUniform1f("iTime", time);
+    shader->setUniform1f("iTime", ShaderTime(in_data, mSpeed));
     shader->setUniform2f("texSize", static_cast<float>(world->width),
                          static_cast<float>(world->height));
 

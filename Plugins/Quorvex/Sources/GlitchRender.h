@@ -23,7 +23,8 @@ public:
     GlitchRender& operator=(const GlitchRender&) = delete;
 
     // Reads both parameters at the frame's time. Returns the host's first
-    // failing status, or 0. Only `in_data` is read.
+    // failing status, 516 (after a line on standard error) when Speed at this
+    // moment makes no finite shader time, or 0. Only `in_data` is read.
     A_long preaprea(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra* extra,
                     int pluginId, PF_LayerDef* world);
 

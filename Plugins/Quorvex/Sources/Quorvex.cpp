@@ -9,6 +9,7 @@
 #include "GL/FrameProfiler.h"
 #include "GL/SaveRestoreGLContextMac.h"
 #include "GlitchRender.h"
+#include "HostWorldCheck.h"
 #include "Helper/SuiteScoper.h"
 
 #include <glbinding/gl/gl.h>
@@ -198,6 +199,9 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
     if (const PF_Err err = extra->cb->checkout_output(in_data->effect_ref, &output)) {
         return err;
     }
+    // The depth decides the precision of the render targets, so it is read
+    // before they are sized. A failed query leaves the frame at 8 bits.
+    const PF_PixelFormat format = HostWorldCheck::requireUsable(in_data, input, output);
 
     // Every way out of the frame, thrown ones included, gives the host its
     // context back: the saver restores when it goes out of scope.
@@ -210,11 +214,6 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
     const long width = input->width;
     const long height = input->height;
 
-    // The depth decides the precision of the render targets, so it is read
-    // before they are sized. A failed query leaves the frame at 8 bits.
-    SuiteScoper<PF_WorldSuite2> worldSuite(in_data, kPFWorldSuite, 2);
-    PF_PixelFormat format = PF_PixelFormat_ARGB32;
-    worldSuite->PF_GetPixelFormat(input, &format);
 
     AEOpenglMainFrameBuffer* frameBuffer = AEOpenglMainFrameBuffer::mainFrameBuffer();
     frameBuffer->prepare(width, height, true, AEOpenGLUtilities::RenderTargetFormat(format));

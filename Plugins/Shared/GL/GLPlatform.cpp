@@ -210,14 +210,29 @@ bool ProbeSurfaceless(DisplayState& state, std::string& why)
     return Adopt(platformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr), state, why);
 }
 
-DisplayState Probe()
+// The platform that QUORVEX_EGL_PLATFORM forces, or empty. Any other value is
+// a stray setting: it is reported once in the process and never stops
+// rendering.
+std::string ForcedPlatform()
 {
     const char* forced = std::getenv("QUORVEX_EGL_PLATFORM");
     const std::string choice = forced ? forced : "";
-    if (!choice.empty() && choice != "device" && choice != "surfaceless") {
-        throw GLPlatform::Error("QUORVEX_EGL_PLATFORM is \"" + choice +
-                                "\"; it must be \"device\" or \"surfaceless\"");
+    if (choice.empty() || choice == "device" || choice == "surfaceless") {
+        return choice;
     }
+    static std::once_flag reported;
+    std::call_once(reported, [&] {
+        std::fprintf(stderr,
+                     "Quorvex: QUORVEX_EGL_PLATFORM is \"%s\", not \"device\" or \"surfaceless\"; "
+                     "it is ignored\n",
+                     choice.c_str());
+    });
+    return {};
+}
+
+DisplayState Probe()
+{
+    const std::string choice = ForcedPlatform();
     DisplayState state;
     std::string deviceWhy;
     std::string surfacelessWhy;

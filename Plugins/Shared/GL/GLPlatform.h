@@ -12,7 +12,8 @@ namespace Halvane::Quorvex {
 // OpenGL 3.3 core context (no surface, no depth, no stencil) on one
 // process-wide display: the EGL device platform where a hardware driver
 // offers one, Mesa's surfaceless platform otherwise. The environment variable
-// QUORVEX_EGL_PLATFORM ("device" or "surfaceless") forces the choice.
+// QUORVEX_EGL_PLATFORM ("device" or "surfaceless") forces the choice; any
+// other value is reported once on standard error and ignored.
 //
 // Handles are opaque here so that no header above this layer sees EGL.
 class GLPlatform {

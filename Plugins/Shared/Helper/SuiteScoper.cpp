@@ -33,7 +33,9 @@ const void* AcquireScopedSuite(SPBasicSuite* basic, const char* suite_name, int 
                                const char* error_text)
 {
     const void* suite = nullptr;
-    if (basic->AcquireSuite(suite_name, suite_version, &suite) == kSPNoError) {
+    // A host that answers 0 yet hands over no table has no such suite
+    // either; the scoper's users call through the table unchecked.
+    if (basic->AcquireSuite(suite_name, suite_version, &suite) == kSPNoError && suite != nullptr) {
         return suite;
     }
     if (out_data) {

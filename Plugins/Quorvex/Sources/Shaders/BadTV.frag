@@ -23,7 +23,10 @@ void main() {
     vec2 fragCoord = uv * texSize;
     float rnd = rand(vec2(iTime, iTime)) * 4.0;
 
-    if (mod(fragCoord.y, rnd) > rnd / 8.0) {
+    // rnd is 0 at time 0 and at Speed 0, and mod(y, 0) is undefined: such a
+    // frame takes the gap rows' branch, as llvmpipe does unguarded, so that
+    // every driver shows the same first frame.
+    if (rnd > 0.0 && mod(fragCoord.y, rnd) > rnd / 8.0) {
         float of = sin(fragCoord.y / rnd * iTime) * rnd * 2.0;
         vec2 uv2 = vec2(fragCoord.x + of, fragCoord.y + of / 2.0) / texSize;
         colourOut = swapChannel(texture(videoTexture, uv2));

@@ -1,0 +1,195 @@
+// The module's frame through the substitute host, with what a hostile host
+// can hand it: world records whose sizes, row lengths, pixel pointers and
+// flags lie, pixel formats it does not know, any parameter value, any time,
+// and host calls and suites that fail. Whatever the frame answers, it must
+// not crash, must leave the host's GL context current, must give back every
+// suite, handle and parameter it took, and must write no byte outside the
+// output's pixels.
+#include "FuzzInput.h"
+
+#include "GL/GLPlatform.h"
+#include "Runtime/EffectSession.h"
+#include "Runtime/HostRuntime.h"
+#include "Runtime/PluginModule.h"
+#include "Runtime/World.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace Halvane::Quorvex::Testing {
+namespace {
+
+using Host::HostCall;
+using Host::World;
+
+// Frames stay small: llvmpipe draws every one, and the fuzzer needs many.
+constexpr unsigned kLargestSide = 64;
+
+void Require(bool condition, const char* what)
+{
+    if (!condition) {
+        std::fprintf(stderr, "module frame fuzz target: %s\n", what);
+        std::abort();
+    }
+}
+
+// The host of every input: set up once, as a real host keeps an effect
+// loaded from frame to frame.
+struct LoadedEffect {
+    Host::HostRuntime host;
+    Host::PluginModule module{QUORVEX_MODULE_PATH};
+    Host::EffectSession session{host, module};
+    GLPlatform::OwnedContext hostContext = GLPlatform::createContext(nullptr);
+
+    LoadedEffect()
+    {
+        GLPlatform::makeCurrent(hostContext.get());
+        Require(session.globalSetup() == PF_Err_NONE, "global set-up failed");
+        Require(session.paramsSetup() == PF_Err_NONE, "parameter set-up failed");
+    }
+
+    // At the end of the run, as a host that unloads the effect: what the
+    // module still holds then is a leak.
+    ~LoadedEffect()
+    {
+        GLPlatform::makeCurrent(hostContext.get());
+        session.globalSetdown();
+        GLPlatform::makeCurrent(GLPlatform::CurrentBinding{});
+    }
+};
+
+PF_PixelFormat TakeFormat(FuzzInput& input)
+{
+    const PF_PixelFormat known[] = {PF_PixelFormat_ARGB32, PF_PixelFormat_ARGB64, PF_PixelFormat_ARGB128};
+    const unsigned choice = input.upTo(7);
+    return choice < 3 ? known[choice] : choice < 6 ? known[0] : input.take<PF_PixelFormat>();
+}
+
+std::unique_ptr<World> TakeWorld(FuzzInput& input)
+{
+    const PF_PixelFormat format = TakeFormat(input);
+    const auto width = static_cast<A_long>(input.upTo(kLargestSide));
+    const auto height = static_cast<A_long>(input.upTo(kLargestSide));
+    const auto padding = static_cast<A_long>(World::pixelSize(format) / 4 * input.upTo(7));
+    auto world = std::make_unique<World>(width, height, format, padding);
+    for (A_long y = 0; y < height; ++y) {
+        const std::size_t used = static_cast<std::size_t>(width) * world->pixelSize();
+        for (std::size_t i = 0; i < used; ++i) {
+            world->row(y)[i] = input.take<std::uint8_t>();
+        }
+    }
+    return world;
+}
+
+// Changes the record the host hands out. Each lie is either true to the
+// memory behind it (a narrower world) or one the module can see (a row
+// length shorter than a row, a negative size, no pixels, misaligned
+// pixels, flags of another depth); a lie about memory that no record can
+// show, such as a larger size, is not a fault of the module.
+void Tamper(FuzzInput& input, PF_EffectWorld& record, std::size_t pixelSize)
+{
+    const unsigned lies = input.take<std::uint8_t>();
+    const auto rowLength = static_cast<A_long>(static_cast<std::size_t>(record.width) * pixelSize);
+    if ((lies & 1) && rowLength > 0) {
+        const A_long value = input.take<A_long>();
+        record.rowbytes = value < 0 ? value : value % rowLength;
+    }
+    if (lies & 2) {
+        record.width = input.take<A_long>() % (record.width + 1);
+    }
+    if (lies & 4) {
+        record.height = input.take<A_long>() % (record.height + 1);
+    }
+    if (lies & 8) {
+        record.data = nullptr;
+    }
+    if ((lies & 16) && record.width > 0 && record.data != nullptr) {
+        record.data = reinterpret_cast<PF_PixelPtr>(reinterpret_cast<char*>(record.data) + 1 + input.upTo(2));
+        --record.width;
+    }
+    if (lies & 32) {
+        record.world_flags = input.take<PF_WorldFlags>();
+    }
+}
+
+std::vector<unsigned char> PixelsOf(World& world)
+{
+    std::vector<unsigned char> bytes;
+    for (A_long y = 0; y < world.height(); ++y) {
+        bytes.insert(bytes.end(), world.row(y), world.row(y) + world.rowBytes());
+    }
+    return bytes;
+}
+
+void InjectFailures(FuzzInput& input, Host::FailureInjector& failures)
+{
+    // Not HostCall::CheckinParam: a host that refuses a check-in keeps the
+    // parameter checked out by its own books, whatever the effect does.
+    const HostCall calls[] = {HostCall::CheckoutParam, HostCall::CheckoutLayer,
+                              HostCall::CheckoutLayerPixels, HostCall::CheckoutOutput, HostCall::GetPixelFormat,
+                              HostCall::GetPixelData, HostCall::Iterate, HostCall::NewHandle};
+    const unsigned count = input.upTo(2);
+    for (unsigned i = 0; i < count; ++i) {
+        const HostCall call = calls[input.upTo(sizeof calls / sizeof calls[0] - 1)];
+        failures.fail(call, input.take<A_long>() | 1, static_cast<int>(input.upTo(3)), 1);
+    }
+    if (input.upTo(7) == 0) {
+        const struct {
+            const char* name;
+            A_long version;
+        } suites[] = {{kPFWorldSuite, 2}, {kPFIterateFloatSuite, 1}, {kPFHandleSuite, 2}};
+        const auto& suite = suites[input.upTo(2)];
+        // Not SuiteFailure::StatusWithSuite: a table handed over with an
+        // error status stays the effect's by this host's books, while the
+        // effect, trusting the status, takes it as refused.
+        failures.failSuite(suite.name, suite.version,
+                           input.upTo(1) == 0 ? Host::SuiteFailure::Missing : Host::SuiteFailure::NullWithoutStatus);
+    }
+}
+
+}  // namespace
+}  // namespace Halvane::Quorvex::Testing
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace Halvane::Quorvex;
+    using namespace Halvane::Quorvex::Testing;
+    static LoadedEffect effect;
+    FuzzInput input(data, size);
+
+    auto source = TakeWorld(input);
+    auto output = TakeWorld(input);
+    effect.host.parameter(1).setValue(static_cast<double>(input.take<std::int8_t>()));
+    effect.host.parameter(2).setValue(input.take<double>());
+    const Host::FrameTime time{input.take<A_long>(), input.take<A_long>(), input.take<A_u_long>()};
+    InjectFailures(input, effect.host.failures());
+
+    const PF_EffectWorld sourceRecord = *source->layer();
+    const PF_EffectWorld outputRecord = *output->layer();
+    const std::vector<unsigned char> sourcePixels = PixelsOf(*source);
+    Tamper(input, *source->layer(), source->pixelSize());
+    Tamper(input, *output->layer(), output->pixelSize());
+
+    // A row length that is shorter than the real one but still holds a row
+    // sends the frame's rows where the host said: over the real padding.
+    const bool truePadding = output->layer()->rowbytes == outputRecord.rowbytes;
+
+    const GLPlatform::CurrentBinding before = GLPlatform::currentBinding();
+    effect.session.renderFrame(*source, *output, time);
+    *source->layer() = sourceRecord;
+    *output->layer() = outputRecord;
+    effect.host.failures().clear();
+
+    Require(GLPlatform::currentBinding() == before, "the frame left the host's GL context changed");
+    Require(effect.host.suites().outstanding() == 0, "the frame kept a suite");
+    Require(effect.host.suites().unbalancedReleases() == 0, "the frame released a suite twice");
+    Require(effect.host.handles().openHandles() == 0, "the frame kept a handle");
+    Require(effect.host.handles().misuses() == 0, "the frame misused a handle");
+    Require(effect.host.openParamCheckouts() == 0, "the frame kept a parameter checked out");
+    Require(PixelsOf(*source) == sourcePixels, "the frame wrote into its input");
+    Require(!truePadding || output->paddingIntact(), "the frame wrote past the output's rows");
+    return 0;
+}

@@ -1,0 +1,78 @@
+// A host that hands the frame worlds or values it cannot use: the frame ends
+// with 516 and one line that says what is wrong, before any pixel memory is
+// touched, and the next good frame is right.
+#include "RenderingModuleTest.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+
+namespace Halvane::Quorvex::Testing {
+namespace {
+
+using Host::World;
+
+class HostileHostTest : public RenderingModuleTest {
+protected:
+    // Renders with the worlds' records changed by `tamper` for the frame
+    // only, and expects 516, exactly one line on standard error that holds
+    // `said`, and the output's pixels untouched.
+    void expectRefused(World& input, World& output, const std::function<void(PF_EffectWorld&, PF_EffectWorld&)>& tamper,
+                       const std::string& said, double speed = 1.0)
+    {
+        SCOPED_TRACE(said);
+        mark(output);
+        const PF_EffectWorld inputRecord = *input.layer();
+        const PF_EffectWorld outputRecord = *output.layer();
+        tamper(*input.layer(), *output.layer());
+        ::testing::internal::CaptureStderr();
+        const PF_Err err = render(input, output, 0.5, GlitchType::BadTV, speed);
+        const std::string error = ::testing::internal::GetCapturedStderr();
+        *input.layer() = inputRecord;
+        *output.layer() = outputRecord;
+        EXPECT_EQ(err, PF_Err_BAD_CALLBACK_PARAM);
+        EXPECT_THAT(error, ::testing::HasSubstr(said));
+        EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 1) << error;
+        EXPECT_TRUE(isMarked(output));
+    }
+};
+
+TEST_F(HostileHostTest, UnusableWorldsAndSpeedsEndTheFrameWithALine)
+{
+    auto input = makePicture(20, 12, PF_PixelFormat_ARGB64, 8);
+    World output(20, 12, PF_PixelFormat_ARGB64, 8);
+    using Tamper = std::function<void(PF_EffectWorld&, PF_EffectWorld&)>;
+    const std::pair<Tamper, std::string> cases[] = {
+        {[](PF_EffectWorld& in, PF_EffectWorld&) { in.rowbytes = -in.rowbytes; }, "input world cannot be used: its rows are -168 bytes apart"},
+        {[](PF_EffectWorld& in, PF_EffectWorld&) { in.rowbytes = 20 * 4; }, "fewer than the 160 bytes of 20 pixels of \"ae16\""},
+        {[](PF_EffectWorld&, PF_EffectWorld& out) { out.rowbytes = 152; }, "output world cannot be used: its rows are 152 bytes apart"},
+        {[](PF_EffectWorld& in, PF_EffectWorld&) { in.data = nullptr; }, "no pixel memory for its 20x12 pixels"},
+        {[](PF_EffectWorld& in, PF_EffectWorld&) { in.width = -20; }, "its size -20x12 is negative"},
+        {[](PF_EffectWorld&, PF_EffectWorld& out) { out.height = -1; }, "output world cannot be used: its size 20x-1"},
+        {[](PF_EffectWorld& in, PF_EffectWorld&) { in.world_flags &= ~PF_WorldFlag_DEEP; }, "its flags call it 8 bits a channel but its pixel format is \"ae16\""},
+        {[](PF_EffectWorld&, PF_EffectWorld& out) { out.world_flags &= ~PF_WorldFlag_WRITEABLE; }, "output world cannot be used: it is not writeable"},
+        {[](PF_EffectWorld& in, PF_EffectWorld&) { in.data = reinterpret_cast<PF_PixelPtr>(reinterpret_cast<char*>(in.data) + 1); }, "not aligned to the 2-byte channels"},
+    };
+    for (const auto& [tamper, said] : cases) {
+        expectRefused(*input, output, tamper, said);
+    }
+
+    World eightBitOutput(20, 12, PF_PixelFormat_ARGB32);
+    expectRefused(*input, eightBitOutput, [](PF_EffectWorld&, PF_EffectWorld&) {}, "pixel format \"argb\" differs from the input's \"ae16\"");
+
+    const auto none = [](PF_EffectWorld&, PF_EffectWorld&) {};
+    expectRefused(*input, output, none, "Speed nan is not a finite number", std::nan(""));
+    expectRefused(*input, output, none, "Speed inf is not a finite number", std::numeric_limits<double>::infinity());
+    expectRefused(*input, output, none, "beyond single precision", 1e300);
+
+    // Nothing of the refused frames is left over.
+    ASSERT_EQ(render(*input, output, 0.5, GlitchType::BadTV, 1.0), PF_Err_NONE);
+    expectMatchesModel(output, model(*input, 0.5, GlitchType::BadTV, 1.0), tolerance(PF_PixelFormat_ARGB64),
+                       "after refused frames");
+}
+
+}  // namespace
+}  // namespace Halvane::Quorvex::Testing
