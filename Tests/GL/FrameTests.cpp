@@ -80,7 +80,7 @@ protected:
         HostPixels::fill(input, [&](A_long x, A_long y, int channel) { return Picture(format, x, y, channel); });
         HostPixels::fill(output, [](A_long, A_long, int) { return kMarker; });
         runFrame(input, output);
-        EXPECT_EQ(glGetError(), GL_NO_ERROR);
+        EXPECT_EQ(takeGLError(), GL_NO_ERROR);
         EXPECT_EQ(integer(GL_UNPACK_ROW_LENGTH), 0);
         expectFrameOf(input, output);
     }

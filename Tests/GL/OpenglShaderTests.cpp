@@ -330,7 +330,7 @@ TEST_F(OpenglShaderTest, UniformSettersWriteWhatGLReadsBack)
     GLCallLog log;
     shader.setUniform4f("absent", 1.0f, 2.0f, 3.0f, 4.0f);
     EXPECT_EQ(log.names(), std::vector<std::string>{"glGetUniformLocation"});
-    EXPECT_EQ(glGetError(), GL_NO_ERROR);
+    EXPECT_EQ(takeGLError(), GL_NO_ERROR);
     glUseProgram(0);
 }
 
@@ -414,7 +414,7 @@ TEST_F(OpenglShaderTest, AttributeSettersEnableTheArrayAndPassOffsetAndStrideThr
             GLCallLog log;
             form.point(shader, -1, nullptr, 0);
             EXPECT_EQ(log.count("glEnableVertexAttribArray"), form.passesMinusOne ? 1u : 0u);
-            EXPECT_EQ(glGetError(), form.passesMinusOne ? GL_INVALID_VALUE : GL_NO_ERROR);
+            EXPECT_EQ(takeGLError(), form.passesMinusOne ? GL_INVALID_VALUE : GL_NO_ERROR);
         }
     }
 

@@ -1,6 +1,8 @@
 #include "GL/AEOpenGLUtilities.h"
 
 #include "EffectSuites.h"
+#include "GL/FrameHooks.h"
+#include "GL/GLObject.h"
 #include "Helper/SuiteScoper.h"
 
 #include <glbinding/gl/gl.h>
@@ -76,31 +78,6 @@ unsigned char* PixelData(PF_InData* in_data, PF_LayerDef* world, const PixelDept
     }
     return static_cast<unsigned char*>(base);
 }
-
-// A texture name that is deleted unless handed on.
-class TextureName {
-public:
-    TextureName() { glGenTextures(1, &mName); }
-    ~TextureName()
-    {
-        if (mName != 0) {
-            glDeleteTextures(1, &mName);
-        }
-    }
-    TextureName(const TextureName&) = delete;
-    TextureName& operator=(const TextureName&) = delete;
-
-    GLuint get() const { return mName; }
-    GLuint release()
-    {
-        const GLuint name = mName;
-        mName = 0;
-        return name;
-    }
-
-private:
-    GLuint mName = 0;
-};
 
 // A host handle, locked while it lives, then unlocked and disposed.
 class LockedHandle {
@@ -203,8 +180,8 @@ GLuint AEOpenGLUtilities::UploadTexture(int format, PF_LayerDef* input, PF_Layer
         rowBytes = static_cast<std::size_t>(input->rowbytes);
     }
 
-    TextureName texture;
-    glBindTexture(GL_TEXTURE_2D, texture.get());
+    GLTexture texture = GLTexture::generate();
+    glBindTexture(GL_TEXTURE_2D, texture.name());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
@@ -213,6 +190,7 @@ GLuint AEOpenGLUtilities::UploadTexture(int format, PF_LayerDef* input, PF_Layer
     UploadRows(pixels, width, height, rowBytes, depth);
     glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
     glBindTexture(GL_TEXTURE_2D, 0);
+    NotifyFrameEvent(FrameEvent::InputUploaded);
     return texture.release();
 }
 
@@ -245,6 +223,7 @@ void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height,
         frame.height = static_cast<A_long>(height);
         FloatCopyContext context{reinterpret_cast<PF_PixelFloat*>(staging.data()), &frame};
         IterateFloat(in_data, input, context, CopyPixelFloatOut, output);
+        NotifyFrameEvent(FrameEvent::OutputRead);
         return;
     }
     const A_long rows = std::min<A_long>(output->height, static_cast<A_long>(height));
@@ -254,6 +233,7 @@ void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height,
         unsigned char* destination = PixelData(in_data, output, depth) + static_cast<std::size_t>(y) * output->rowbytes;
         std::memcpy(destination, staging.data() + static_cast<std::size_t>(y) * frameRowBytes, rowBytes);
     }
+    NotifyFrameEvent(FrameEvent::OutputRead);
 }
 
 PF_Err AEOpenGLUtilities::CopyPixelFloatIn(void* refcon, A_long x, A_long y, PF_PixelFloat* in,

@@ -21,8 +21,9 @@ namespace Halvane::Quorvex {
 // (PF_Err_BAD_CALLBACK_PARAM) for a pixel format outside the table or a frame
 // beyond the GL limits (both said on standard error), 4 when the host has no
 // staging memory, the host's own number when a host call fails, and 13 for a
-// missing suite. Whatever a call took is given back when it throws, and the
-// output world is then left untouched.
+// missing suite. Through EntryPointFunc every one of them reaches the host
+// as 516. Whatever a call took is given back when it throws, and the output
+// world is then left untouched.
 class AEOpenGLUtilities {
 public:
     // The refcon of the float pixel functions.

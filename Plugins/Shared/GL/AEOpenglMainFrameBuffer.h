@@ -1,5 +1,6 @@
 #pragma once
 
+#include "GL/GLObject.h"
 #include "GL/GLPlatform.h"
 #include "Math/Vec2.h"
 
@@ -8,6 +9,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -96,27 +98,40 @@ public:
     gl::GLenum colourFormat() const { return mColourFormat; }
     // The samples a multisampled level of the frame's format gets.
     gl::GLsizei sampleCount();
-    gl::GLuint renderBuffer() const { return mRenderBuffer; }
+    gl::GLuint renderBuffer() const { return mRenderBuffer.name(); }
     // The open levels' colour renderbuffers, bottom first, and the stencil
-    // renderbuffers of those opened with one.
-    const std::vector<std::uint32_t>& renderBufferStack() const { return mRenderBufferStack; }
-    const std::map<std::uint32_t, std::uint32_t>& stencilBuffers() const { return mStencilBuffers; }
+    // renderbuffers of those opened with one, by their colour renderbuffer.
+    std::vector<std::uint32_t> renderBufferStack() const;
+    std::map<std::uint32_t, std::uint32_t> stencilBuffers() const;
 
 private:
     // The framebuffers of one context. Those made before the targets last
     // changed are of an older generation and are remade at their next use.
     struct ContextFrameBuffers {
-        gl::GLuint mResolveFrameBuffer = 0;
-        gl::GLuint mFrameBuffer = 0;
-        gl::GLuint mMultisampleFrameBuffer = 0;
+        GLFramebuffer mResolveFrameBuffer;
+        GLFramebuffer mFrameBuffer;
+        GLFramebuffer mMultisampleFrameBuffer;
         std::uint64_t mGeneration = 0;
+
+        bool owns(gl::GLuint name) const;
+        // Forgets the names without deleting them, for a context that is not
+        // current: its framebuffers end with it.
+        void abandon();
+    };
+
+    // One open level: its colour storage, and its stencil storage if asked.
+    struct Level {
+        GLRenderbuffer mColour;
+        GLRenderbuffer mStencil;
     };
 
     AEOpenglMainFrameBuffer();
+    ~AEOpenglMainFrameBuffer();
 
     // The current context's framebuffers, made at its first use.
     ContextFrameBuffers& contextFrameBuffers();
-    static void deleteFrameBuffers(ContextFrameBuffers& frameBuffers);
+    // Drops the current context's framebuffers and abandons the others'.
+    void forgetFrameBuffers(bool allContexts);
     // The framebuffer that the levels are bound to in the current context.
     gl::GLuint levelFrameBuffer();
     void attachTopLevel();
@@ -127,7 +142,7 @@ private:
     void levelStorage(gl::GLenum format);
     // A texture of the frame's size, unbound; its texels are transparent
     // black if asked for, undefined otherwise.
-    gl::GLuint createTexture(gl::GLenum internalFormat, gl::GLsizei width, gl::GLsizei height,
+    GLTexture createTexture(gl::GLenum internalFormat, gl::GLsizei width, gl::GLsizei height,
                              gl::GLenum minFilter, gl::GLenum magFilter, bool transparentBlack);
     // The filters of a float texture by its two flags.
     static std::pair<gl::GLenum, gl::GLenum> floatFilters(bool linear, bool mipmap);
@@ -135,7 +150,7 @@ private:
 
     std::map<GLPlatform::ContextId, ContextFrameBuffers> mContextFrameBuffers;
     std::uint64_t mGeneration = 1;
-    gl::GLuint mRenderBuffer = 0;
+    GLRenderbuffer mRenderBuffer;
     bool mMultisample = true;
     std::uint32_t mWidth = 0;
     std::uint32_t mHeight = 0;
@@ -143,10 +158,11 @@ private:
     // Whether the frame's size is within the GL limits, so that its storage
     // can be made.
     bool mStorageFits = true;
-    std::vector<std::uint32_t> mRenderBufferStack;
-    std::map<std::uint32_t, std::uint32_t> mStencilBuffers;
+    std::vector<Level> mLevels;
+    // Framebuffers of normal pushes, until their pop.
+    std::vector<GLFramebuffer> mNormalFrameBuffers;
     std::map<gl::GLenum, gl::GLsizei> mSampleCounts;
-    ScreenRender* mScreenRender;
+    std::unique_ptr<ScreenRender> mScreenRender;
 };
 
 }  // namespace Halvane::Quorvex
