@@ -99,6 +99,32 @@ TEST_P(DepthTest, AFrameComesBackUprightAndUnchangedAsFarAsTheOutputReaches)
     EXPECT_THAT(frame().renderBufferStack(), ::testing::IsEmpty());
 }
 
+// The effect draws single-sample, other callers may multisample: the same
+// frame both ways agrees to the depth's rounding, and single-sample is as
+// exact as the round trip asks.
+TEST_P(DepthTest, SingleSampleAndMultisampledFramesAgree)
+{
+    const PF_PixelFormat format = GetParam();
+    World input(7, 5, format);
+    HostPixels::fill(input, [&](A_long x, A_long y, int channel) { return Picture(format, x, y, channel); });
+    World multisampled(7, 5, format);
+    World singleSample(7, 5, format);
+    runFrame(input, multisampled, true);
+    frame().destory();  // forgets the size, so that the sample mode can change
+    runFrame(input, singleSample, false);
+    expectFrameOf(input, singleSample);
+    const double tolerance = format == PF_PixelFormat_ARGB128 ? 1e-4 : 1.0 / HostPixels::white(format);
+    for (A_long y = 0; y < input.height(); ++y) {
+        for (A_long x = 0; x < input.width(); ++x) {
+            for (int channel = 0; channel < 4; ++channel) {
+                EXPECT_NEAR(HostPixels::get(singleSample, x, y, channel), HostPixels::get(multisampled, x, y, channel),
+                            tolerance + 1e-9)
+                    << "pixel " << x << "," << y << " channel " << channel;
+            }
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Depths, DepthTest,
                          ::testing::Values(PF_PixelFormat_ARGB32, PF_PixelFormat_ARGB64, PF_PixelFormat_ARGB128));
 

@@ -53,12 +53,13 @@ protected:
     static AEOpenglMainFrameBuffer& frame() { return *AEOpenglMainFrameBuffer::mainFrameBuffer(); }
 
     // One frame as the effect runs it, with BackgroundRender as an effect that
-    // changes nothing: the output should come back equal to the input.
-    void runFrame(Host::World& input, Host::World& output)
+    // changes nothing: the output should come back equal to the input. The
+    // sample mode takes effect with a new size only.
+    void runFrame(Host::World& input, Host::World& output, bool multisample = true)
     {
         PF_InData inData = mHost.inData();
         const PF_PixelFormat format = input.format();
-        frame().prepare(input.width(), input.height(), true, AEOpenGLUtilities::RenderTargetFormat(format));
+        frame().prepare(input.width(), input.height(), multisample, AEOpenGLUtilities::RenderTargetFormat(format));
         frame().beginDrawing();
         unsigned long pixelSize = 0;
         gl::GLenum type = gl::GL_NONE;

@@ -232,7 +232,9 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
     worldSuite->PF_GetPixelFormat(input, &format);
 
     AEOpenglMainFrameBuffer* frameBuffer = AEOpenglMainFrameBuffer::mainFrameBuffer();
-    frameBuffer->prepare(width, height, true, AEOpenGLUtilities::RenderTargetFormat(format));
+    // Single-sample: the effect's quad covers every pixel, so samples would
+    // add no edge, only time, and move pixels off the shaders' exact result.
+    frameBuffer->prepare(width, height, false, AEOpenGLUtilities::RenderTargetFormat(format));
     OpenDrawing drawing(*frameBuffer);
 
     unsigned long pixelSize = 4;

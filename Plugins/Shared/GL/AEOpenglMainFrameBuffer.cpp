@@ -83,6 +83,8 @@ void AEOpenglMainFrameBuffer::unprepare()
     forgetFrameBuffers(false);
     ++mGeneration;
     mRenderBuffer.reset();
+    mSpareLevel.reset();
+    mResolveTexture.reset();
     clearStack();
 }
 
@@ -193,7 +195,7 @@ void AEOpenglMainFrameBuffer::beginDrawing()
     if (mMultisample) {
         glEnable(GL_MULTISAMPLE);
     }
-    pushRenderContext(false, false);
+    openLevel(std::move(mSpareLevel), false);
     glDrawBuffer(GL_COLOR_ATTACHMENT0);
     glViewport(0, 0, static_cast<GLsizei>(mWidth), static_cast<GLsizei>(mHeight));
     NotifyFrameEvent(FrameEvent::TargetsReady);
@@ -205,16 +207,26 @@ void AEOpenglMainFrameBuffer::endDrawing(float multiplier)
         return;
     }
     NotifyFrameEvent(FrameEvent::EffectDrawn);
-    const GLTexture texture = GLTexture::adopt(popRenderContext());
-    NotifyFrameEvent(FrameEvent::LevelResolved);
     // The final pass maps texels to pixels one to one. A linear filter there
     // would mix a sliver of each neighbour into every pixel, and dividing by
     // an alpha that ought to be 0 would blow the sliver up into the
-    // neighbour's colour.
-    glBindTexture(GL_TEXTURE_2D, texture.name());
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    glBindTexture(GL_TEXTURE_2D, 0);
+    // neighbour's colour. The resolve covers every texel, so the texture is
+    // never cleared.
+    if (!mResolveTexture) {
+        mResolveTexture = createTexture(mColourFormat, FrameSize(mWidth, mStorageFits),
+                                        FrameSize(mHeight, mStorageFits), GL_NEAREST, GL_NEAREST, false);
+    }
+    resolveTopLevel(mResolveTexture.name());
+    // The level's storage serves the next frame of this size and format.
+    Level closed = std::move(mLevels.back());
+    mLevels.pop_back();
+    if (!closed.mStencil) {
+        mSpareLevel = std::move(closed.mColour);
+    }
+    if (!mLevels.empty()) {
+        attachTopLevel();
+    }
+    NotifyFrameEvent(FrameEvent::LevelResolved);
     glBindFramebuffer(GL_FRAMEBUFFER, contextFrameBuffers().mFrameBuffer.name());
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, mRenderBuffer.name());
     glDisable(GL_BLEND);
@@ -222,15 +234,23 @@ void AEOpenglMainFrameBuffer::endDrawing(float multiplier)
     glViewport(0, 0, static_cast<GLsizei>(mWidth), static_cast<GLsizei>(mHeight));
     glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
     glClear(GL_COLOR_BUFFER_BIT);
-    screenRender().draw(texture.name(), multiplier);
+    screenRender().draw(mResolveTexture.name(), multiplier);
     NotifyFrameEvent(FrameEvent::FinalPassDrawn);
 }
 
 void AEOpenglMainFrameBuffer::pushRenderContext(bool /*unused*/, bool stencil)
 {
-    Level level{GLRenderbuffer::generate(), {}};
+    openLevel(GLRenderbuffer(), stencil);
+}
+
+void AEOpenglMainFrameBuffer::openLevel(GLRenderbuffer storage, bool stencil)
+{
+    const bool fresh = !storage;
+    Level level{fresh ? GLRenderbuffer::generate() : std::move(storage), {}};
     glBindRenderbuffer(GL_RENDERBUFFER, level.mColour.name());
-    levelStorage(mColourFormat);
+    if (fresh) {
+        levelStorage(mColourFormat);
+    }
     glBindFramebuffer(GL_FRAMEBUFFER, levelFrameBuffer());
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, level.mColour.name());
     if (stencil) {
@@ -254,28 +274,32 @@ GLuint AEOpenglMainFrameBuffer::popRenderContext()
     // first; that would cost a frame-sized block of zeros each time.
     GLTexture texture = createTexture(mColourFormat, FrameSize(mWidth, mStorageFits),
                                       FrameSize(mHeight, mStorageFits), GL_LINEAR, GL_LINEAR, false);
+    resolveTopLevel(texture.name());
+    mLevels.pop_back();
+    if (!mLevels.empty()) {
+        attachTopLevel();
+    }
+    return texture.release();
+}
+
+void AEOpenglMainFrameBuffer::resolveTopLevel(GLuint texture)
+{
     const GLsizei width = static_cast<GLsizei>(mWidth);
     const GLsizei height = static_cast<GLsizei>(mHeight);
     const ContextFrameBuffers& frameBuffers = contextFrameBuffers();
     if (mMultisample) {
         glBindFramebuffer(GL_READ_FRAMEBUFFER, frameBuffers.mMultisampleFrameBuffer.name());
         glBindFramebuffer(GL_DRAW_FRAMEBUFFER, frameBuffers.mResolveFrameBuffer.name());
-        glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture.name(), 0);
+        glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
         glBlitFramebuffer(0, 0, width, height, 0, 0, width, height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
         // Detached, so that the texture's storage goes when its owner deletes it.
         glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, 0, 0);
     } else {
         glBindFramebuffer(GL_READ_FRAMEBUFFER, frameBuffers.mFrameBuffer.name());
-        glBindTexture(GL_TEXTURE_2D, texture.name());
+        glBindTexture(GL_TEXTURE_2D, texture);
         glCopyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 0, 0, width, height);
         glBindTexture(GL_TEXTURE_2D, 0);
     }
-
-    mLevels.pop_back();
-    if (!mLevels.empty()) {
-        attachTopLevel();
-    }
-    return texture.release();
 }
 
 void AEOpenglMainFrameBuffer::pushNormalRenderContext(GLuint texture)

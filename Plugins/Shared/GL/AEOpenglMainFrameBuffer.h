@@ -28,9 +28,13 @@ class ScreenRender;
 // time.
 //
 // The colour storage of a frame (the levels, the resolve texture and the
-// final renderbuffer) has one sized format, chosen by prepare. Levels are
-// multisampled with the smaller of 8 and the most samples the driver allows
-// for that format. A frame larger than the GL limits gets no storage at all;
+// final renderbuffer) has one sized format, chosen by prepare. Levels of a
+// multisampled frame get the smaller of 8 and the most samples the driver
+// allows for that format; the effect's frames ask for single-sample levels,
+// since their one quad covers every pixel. The frame's targets live while
+// size and format stay the same; the renderbuffers and the
+// resolve texture serve every context of the share group, one frame at a
+// time. A frame larger than the GL limits gets no storage at all;
 // UploadTexture reports such a frame.
 class AEOpenglMainFrameBuffer {
 public:
@@ -39,8 +43,9 @@ public:
     // prepare(width, height, multisample, GL_RGBA8).
     void prepare(long width, long height, bool multisample);
     // Sizes the targets. With the size and the format unchanged it does
-    // nothing, the multisample flag included; otherwise it frees the old
-    // targets and makes new ones in the current context.
+    // nothing, the multisample flag included (the flag changes only with
+    // them); otherwise it frees the old targets and makes new ones in the
+    // current context.
     void prepare(long width, long height, bool multisample, gl::GLenum colourFormat);
     // Frees the final renderbuffer, the levels and the current context's
     // framebuffers; the other contexts' framebuffers are remade at their next
@@ -70,11 +75,14 @@ public:
     gl::GLuint createFloatRenderTexture(const Vec2& size, bool linear, bool mipmap);
 
     // Opens a frame: one level, cleared to transparent black, the viewport
-    // set to the frame.
+    // set to the frame. The level's storage is the last frame's while the
+    // targets stay as prepared.
     void beginDrawing();
-    // Closes the frame: resolves its level and runs the final pass with the
-    // 16-bit multiplier into the final renderbuffer, which stays bound for
-    // reading. Without an open level it does nothing.
+    // Closes the frame: resolves its level into the frame's resolve texture
+    // and runs the final pass with the 16-bit multiplier into the final
+    // renderbuffer, which stays bound for reading. The level's storage and
+    // the resolve texture are kept for the next frame until the targets
+    // change. Without an open level it does nothing.
     void endDrawing(float multiplier);
 
     // Opens a level with a new colour renderbuffer (and a stencil
@@ -135,6 +143,12 @@ private:
     // The framebuffer that the levels are bound to in the current context.
     gl::GLuint levelFrameBuffer();
     void attachTopLevel();
+    // Pushes a level on `storage` (a level's colour renderbuffer of the
+    // prepared kind), or on new storage when it is empty; bound and cleared.
+    void openLevel(GLRenderbuffer storage, bool stencil);
+    // Copies the top level into `texture` (of the frame's size and format):
+    // a blit that resolves the samples, or a copy for a single-sample level.
+    void resolveTopLevel(gl::GLuint texture);
     // A framebuffer of its own on mip level `level` of `texture`, bound and
     // cleared.
     void bindNormalFrameBuffer(gl::GLuint texture, int level);
@@ -159,6 +173,10 @@ private:
     // can be made.
     bool mStorageFits = true;
     std::vector<Level> mLevels;
+    // Kept between frames while the targets stay as prepared: the storage of
+    // the frame's level and the texture that it is resolved into.
+    GLRenderbuffer mSpareLevel;
+    GLTexture mResolveTexture;
     // Framebuffers of normal pushes, until their pop.
     std::vector<GLFramebuffer> mNormalFrameBuffers;
     std::map<gl::GLenum, gl::GLsizei> mSampleCounts;
