@@ -209,6 +209,21 @@ void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height,
         return;
     }
 
+    // An 8 or 16-bit output that holds the whole frame, its rows a whole
+    // number of pixels apart, takes the pixels straight from GL.
+    if (depth.format != PF_PixelFormat_ARGB128 && output->width >= static_cast<A_long>(width) &&
+        output->height >= static_cast<A_long>(height) && output->rowbytes > 0 &&
+        static_cast<std::size_t>(output->rowbytes) % depth.pixelSize == 0) {
+        unsigned char* destination = PixelData(in_data, output, depth);
+        glReadBuffer(GL_COLOR_ATTACHMENT0);
+        glPixelStorei(GL_PACK_ROW_LENGTH, static_cast<GLint>(static_cast<std::size_t>(output->rowbytes) / depth.pixelSize));
+        glReadPixels(0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGBA, depth.glType,
+                     destination);
+        glPixelStorei(GL_PACK_ROW_LENGTH, 0);
+        NotifyFrameEvent(FrameEvent::OutputRead);
+        return;
+    }
+
     SuiteScoper<PF_HandleSuite1> handleSuite(in_data, kPFHandleSuite, 2);
     const LockedHandle staging(*handleSuite.get(), bytes);
     glReadBuffer(GL_COLOR_ATTACHMENT0);
@@ -229,8 +244,9 @@ void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height,
     const A_long rows = std::min<A_long>(output->height, static_cast<A_long>(height));
     const std::size_t rowBytes =
         static_cast<std::size_t>(std::clamp<A_long>(output->width, 0, static_cast<A_long>(width))) * depth.pixelSize;
+    unsigned char* const outputPixels = PixelData(in_data, output, depth);
     for (A_long y = 0; y < rows; ++y) {
-        unsigned char* destination = PixelData(in_data, output, depth) + static_cast<std::size_t>(y) * output->rowbytes;
+        unsigned char* destination = outputPixels + static_cast<std::size_t>(y) * output->rowbytes;
         std::memcpy(destination, staging.data() + static_cast<std::size_t>(y) * frameRowBytes, rowBytes);
     }
     NotifyFrameEvent(FrameEvent::OutputRead);
