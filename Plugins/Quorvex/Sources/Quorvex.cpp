@@ -7,7 +7,6 @@
 #include "GL/AEOpenGLUtilities.h"
 #include "GL/AEOpenglMainFrameBuffer.h"
 #include "GL/FrameHooks.h"
-#include "GL/GLObject.h"
 #include "GL/SaveRestoreGLContextMac.h"
 #include "GlitchRender.h"
 #include "Helper/SuiteScoper.h"
@@ -240,16 +239,16 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
     unsigned long pixelSize = 4;
     gl::GLenum pixelType = gl::GL_UNSIGNED_BYTE;
     float multiplier = 1.0f;
-    GLTexture texture = GLTexture::adopt(AEOpenGLUtilities::UploadTexture(
-        format, input, output, in_data, pixelSize, pixelType, multiplier, false));
+    // The input texture stays with the frame buffer for the next frame.
+    const gl::GLuint texture = frameBuffer->inputTexture();
+    AEOpenGLUtilities::UploadPixels(texture, format, input, in_data, pixelSize, pixelType, multiplier);
 
     GlitchRender& renderer = Renderer();
     // Drawing with the last frame's values would show a wrong frame as right.
     if (const PF_Err err = renderer.preaprea(in_data, out_data, extra, mPluginID, input)) {
         return err;
     }
-    renderer.draw(in_data, input, texture.name(), multiplier);
-    texture.reset();
+    renderer.draw(in_data, input, texture, multiplier);
     drawing.end(multiplier);
 
     AEOpenGLUtilities::DownloadTexture(static_cast<unsigned int>(width),

@@ -49,6 +49,12 @@ public:
                                     unsigned long& pixelSize, gl::GLenum& glType, float& multiplier,
                                     bool mipmap);
 
+    // The same into `texture`, a GL_RGBA32F texture of the input's size that
+    // the caller made (and may keep from frame to frame): only its texels
+    // change, and it is left unbound.
+    static void UploadPixels(gl::GLuint texture, int format, PF_LayerDef* input, PF_InData* in_data,
+                             unsigned long& pixelSize, gl::GLenum& glType, float& multiplier);
+
     // Reads the bound, complete framebuffer of `width` by `height` pixels and
     // writes it into `output`, as far as both have pixels. The output's row
     // padding is never written. `pixelSize` and `glType` are what

@@ -85,7 +85,18 @@ void AEOpenglMainFrameBuffer::unprepare()
     mRenderBuffer.reset();
     mSpareLevel.reset();
     mResolveTexture.reset();
+    mInputTexture.reset();
     clearStack();
+}
+
+GLuint AEOpenglMainFrameBuffer::inputTexture()
+{
+    if (!mInputTexture) {
+        // Every frame overwrites every texel, so it starts undefined.
+        mInputTexture = createTexture(GL_RGBA32F, FrameSize(mWidth, mStorageFits), FrameSize(mHeight, mStorageFits),
+                                      GL_LINEAR, GL_LINEAR, false);
+    }
+    return mInputTexture.name();
 }
 
 void AEOpenglMainFrameBuffer::forgetFrameBuffers(bool allContexts)

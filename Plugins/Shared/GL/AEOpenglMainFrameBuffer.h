@@ -102,6 +102,11 @@ public:
     // the top level and the frame's viewport back.
     void popNormalRenderContext();
 
+    // A GL_RGBA32F texture of the frame's size, linear and clamped, for the
+    // host's pixels: kept from frame to frame like the other targets, and
+    // owned by the frame buffer. Made at its first use after prepare.
+    gl::GLuint inputTexture();
+
     // The format prepare chose for the frame's colour storage.
     gl::GLenum colourFormat() const { return mColourFormat; }
     // The samples a multisampled level of the frame's format gets.
@@ -174,9 +179,10 @@ private:
     bool mStorageFits = true;
     std::vector<Level> mLevels;
     // Kept between frames while the targets stay as prepared: the storage of
-    // the frame's level and the texture that it is resolved into.
+    // the frame's level, the texture that it is resolved into, and the input.
     GLRenderbuffer mSpareLevel;
     GLTexture mResolveTexture;
+    GLTexture mInputTexture;
     // Framebuffers of normal pushes, until their pop.
     std::vector<GLFramebuffer> mNormalFrameBuffers;
     std::map<gl::GLenum, gl::GLsizei> mSampleCounts;
