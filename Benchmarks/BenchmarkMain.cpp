@@ -8,7 +8,6 @@
 
 #include "BenchmarkTable.h"
 #include "FrameBenchmarks.h"
-#include "FrameMemory.h"
 #include "HostCostBenchmarks.h"
 
 #include <benchmark/benchmark.h>
@@ -73,8 +72,8 @@ int main(int argc, char** argv)
     TakeOption(argc, argv, "json", jsonPath);
     TakeOption(argc, argv, "module", modulePath);
     benchmark::Initialize(&argc, argv);
-    // Frames are measured in a process set up as quorvex sets itself up.
-    Halvane::Quorvex::Tools::KeepFrameMemoryBetweenFrames();
+    // The allocator stays as the C library sets it: frames are measured as a
+    // host that has never heard of the module would run it.
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
     }

@@ -5,8 +5,11 @@
 // 500 frames, and shows that nothing piles up: resident memory, the host
 // runtime's open handles and held suites, and the effect's live GL objects
 // after the last frame against those after the first 100, both at
-// 1280x720 after alike frames. Prints the figures; exits 1 when anything
-// grew, 2 when the soak could not run.
+// 1280x720 after alike frames. Between frames the effect keeps its targets
+// (final renderbuffer, the level's storage, the resolve texture) for the
+// next frame of the same size and depth: both samples count them alike.
+// Prints the figures; exits 1 when anything grew, 2 when the soak could not
+// run.
 
 #include "ClipPicture.h"
 #include "EffectHost.h"

@@ -618,14 +618,17 @@ PF_Err HostRuntime::iterateFloat(PF_EffectWorld* source, const PF_Rect* area, vo
         return PF_Err_NONE;
     }
 
-    // Like a real host, spread the rows over worker threads; each reports the
-    // first error it meets and the lowest row's error wins.
+    // Like a real host, split the rows into one band per core, each band run
+    // by its own thread; each reports the first error it meets and the
+    // lowest band's error wins.
     const A_long pixels = rows * (region.right - region.left);
     const unsigned hardware = std::max(1u, std::thread::hardware_concurrency());
     const A_long workers = pixels < 65536 ? 1 : std::min<A_long>(rows, static_cast<A_long>(hardware));
     std::vector<PF_Err> errors(static_cast<std::size_t>(workers), PF_Err_NONE);
     auto work = [&](A_long worker) {
-        for (A_long y = region.top + worker; y < region.bottom; y += workers) {
+        const A_long bandTop = region.top + rows * worker / workers;
+        const A_long bandBottom = region.top + rows * (worker + 1) / workers;
+        for (A_long y = bandTop; y < bandBottom; ++y) {
             for (A_long x = region.left; x < region.right; ++x) {
                 const PF_Err err = function(refcon, x, y, &sourceWorld->pixelFloat(x, y),
                                             &destinationWorld->pixelFloat(x, y));

@@ -203,7 +203,7 @@ INSTANTIATE_TEST_SUITE_P(
         HostFailure{"UploadPixelData16", PF_PixelFormat_ARGB64, true, HostCall::GetPixelData, 44, 44},
         HostFailure{"DownloadIterate", PF_PixelFormat_ARGB128, false, HostCall::Iterate, 45, 45},
         HostFailure{"DownloadPixelData", PF_PixelFormat_ARGB64, false, HostCall::GetPixelData, 46, 46},
-        HostFailure{"DownloadHandle", PF_PixelFormat_ARGB32, false, HostCall::NewHandle, 1, PF_Err_OUT_OF_MEMORY}),
+        HostFailure{"DownloadHandle", PF_PixelFormat_ARGB128, false, HostCall::NewHandle, 1, PF_Err_OUT_OF_MEMORY}),
     [](const auto& test) { return std::string(test.param.what); });
 
 // The frame a download reads may be smaller than the input the host

@@ -180,7 +180,7 @@ TEST_F(MainFrameBufferTest, AStencilLevelOwnsTwoRenderbuffersAndGivesBothUp)
 
     // clearStack deletes every level, stencils included.
     frame().pushRenderContext(false, true);
-    std::vector<GLuint> names(frame().renderBufferStack().begin(), frame().renderBufferStack().end());
+    std::vector<GLuint> names = frame().renderBufferStack();
     names.push_back(frame().stencilBuffers().begin()->second);
     frame().clearStack();
     EXPECT_THAT(frame().renderBufferStack(), IsEmpty());

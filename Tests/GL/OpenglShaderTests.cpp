@@ -295,7 +295,7 @@ TEST_F(OpenglShaderTest, UniformSettersWriteWhatGLReadsBack)
 
     // A name the program lacks is skipped quietly.
     shader.setUniform4f("absent", 1.0f, 2.0f, 3.0f, 4.0f);
-    EXPECT_EQ(glGetError(), GL_NO_ERROR);
+    EXPECT_EQ(takeGLError(), GL_NO_ERROR);
     glUseProgram(0);
 }
 
@@ -375,7 +375,7 @@ TEST_F(OpenglShaderTest, AttributeSettersEnableTheArrayAndPassOffsetAndStrideThr
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(pointer), offset);
         if (form.index > 4) {
             form.point(shader, -1, nullptr, 0);
-            EXPECT_EQ(glGetError(), form.passesMinusOne ? GL_INVALID_VALUE : GL_NO_ERROR);
+            EXPECT_EQ(takeGLError(), form.passesMinusOne ? GL_INVALID_VALUE : GL_NO_ERROR);
         }
     }
 

@@ -3,13 +3,21 @@
 #include "GL/GLPlatform.h"
 
 #include <EGL/egl.h>
+#include <glbinding/AbstractFunction.h>
 #include <glbinding/Binding.h>
+#include <glbinding/CallbackMask.h>
+#include <glbinding/FunctionCall.h>
+#include <glbinding/callbacks.h>
+#include <glbinding/gl/enum.h>
+#include <glbinding/gl/functions.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <functional>
 #include <mutex>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace Halvane::Quorvex::Testing {
 
@@ -21,11 +29,18 @@ namespace Halvane::Quorvex::Testing {
 //
 // At TearDown the test must have destroyed every context that the platform
 // layer made for it; the thread is then left with nothing current.
+//
+// No GL error passes silently: after every GL call made through glbinding,
+// the test's own and the plug-in's, on any thread and in any context,
+// glGetError is asked, and an error recorded with the function's name fails
+// the test at TearDown. A test that provokes an error on purpose takes it
+// with takeGLError.
 class GLContextTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
         watchGlbinding();
+        takeGLErrors();
         mLiveContextsAtStart = GLPlatform::liveContextCount();
         mHostDisplay = static_cast<EGLDisplay>(GLPlatform::display());
 
@@ -53,6 +68,9 @@ protected:
 
     void TearDown() override
     {
+        for (const std::string& error : takeGLErrors()) {
+            ADD_FAILURE() << "GL error: " << error;
+        }
         EXPECT_EQ(GLPlatform::liveContextCount(), mLiveContextsAtStart)
             << "the test left contexts of the platform layer alive";
         releaseCurrent();
@@ -115,6 +133,17 @@ protected:
         return ::testing::internal::GetCapturedStderr();
     }
 
+    // The code of the first GL error since the last take (GL_NO_ERROR for
+    // none); the record is cleared.
+    static gl::GLenum takeGLError()
+    {
+        std::lock_guard<std::mutex> lock(sErrorMutex);
+        const gl::GLenum first = sErrorCodes.empty() ? gl::GL_NO_ERROR : sErrorCodes.front();
+        sErrors.clear();
+        sErrorCodes.clear();
+        return first;
+    }
+
     static std::size_t occurrences(const std::string& text, const std::string& part)
     {
         std::size_t count = 0;
@@ -125,14 +154,50 @@ protected:
     }
 
 private:
+    // glbinding keeps its callback switches per context: every context bound
+    // gets the after-call switch, for every function but glGetError itself.
     static void watchGlbinding()
     {
         static std::once_flag once;
         std::call_once(once, [] {
-            glbinding::Binding::addContextSwitchCallback(
-                [](glbinding::ContextHandle handle) { tLastGlbindingContext = handle; });
+            glbinding::Binding::addContextSwitchCallback([](glbinding::ContextHandle handle) {
+                tLastGlbindingContext = handle;
+                glbinding::addCallbackMaskExcept(glbinding::CallbackMask::After, {"glGetError"});
+            });
+            glbinding::setAfterCallback(recordGLError);
         });
     }
+
+    static void recordGLError(const glbinding::FunctionCall& call)
+    {
+        static thread_local bool tAsking = false;
+        if (tAsking || std::string(call.function->name()) == "glGetError") {
+            return;
+        }
+        tAsking = true;
+        const gl::GLenum error = gl::glGetError();
+        tAsking = false;
+        if (error != gl::GL_NO_ERROR) {
+            std::ostringstream text;
+            text << call.function->name() << " gave 0x" << std::hex << static_cast<unsigned>(error);
+            std::lock_guard<std::mutex> lock(sErrorMutex);
+            sErrors.push_back(text.str());
+            sErrorCodes.push_back(error);
+        }
+    }
+
+    static std::vector<std::string> takeGLErrors()
+    {
+        std::lock_guard<std::mutex> lock(sErrorMutex);
+        std::vector<std::string> errors;
+        errors.swap(sErrors);
+        sErrorCodes.clear();
+        return errors;
+    }
+
+    static inline std::mutex sErrorMutex;
+    static inline std::vector<std::string> sErrors;
+    static inline std::vector<gl::GLenum> sErrorCodes;
 
     static inline thread_local glbinding::ContextHandle tLastGlbindingContext = -1;
 

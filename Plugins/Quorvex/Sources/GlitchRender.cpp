@@ -1,10 +1,7 @@
 #include "GlitchRender.h"
 
 #include "Common.h"
-#include "GL/OpenglShader.h"
 #include "Shaders/GlitchShaders.h"
-
-#include <glbinding/gl/gl.h>
 
 #include <cmath>
 #include <cstring>
@@ -12,30 +9,9 @@
 #include <limits>
 #include <string>
 
-using namespace gl;
-
 namespace Halvane::Quorvex {
 
 namespace {
-
-// Two triangles over clip space: x, y, then the texture coordinate, which
-// follows the position with no flip.
-constexpr float kPositions[] = {
-    1.0f,  -1.0f, 1.0f, 0.0f,
-    1.0f,  1.0f,  1.0f, 1.0f,
-    -1.0f, 1.0f,  0.0f, 1.0f,
-    -1.0f, 1.0f,  0.0f, 1.0f,
-    -1.0f, -1.0f, 0.0f, 0.0f,
-    1.0f,  -1.0f, 1.0f, 0.0f,
-};
-static_assert(sizeof(kPositions) == 96);
-
-constexpr int kPositionAttribute = 0;
-constexpr int kTextureCoordinateAttribute = 1;
-constexpr int kVertexStride = 4 * sizeof(float);
-// Byte offsets into the bound buffer, passed where GL takes a pointer.
-const float* const kPositionOffset = nullptr;
-const float* const kTextureCoordinateOffset = reinterpret_cast<const float*>(2 * sizeof(float));
 
 // Seconds of layer time, scaled by Speed; all in single precision.
 float ShaderTime(const PF_InData* in_data, float speed)
@@ -62,35 +38,12 @@ std::string TimeProblem(const PF_InData* in_data, double speed)
     return {};
 }
 
-OpenglShader* MakeProgram(const char* fragmentSource)
-{
-    auto* shader = new OpenglShader(Shaders::kGlitchVertex, fragmentSource);
-    shader->addAttributeBinding("position", kPositionAttribute);
-    shader->addAttributeBinding("input_uv", kTextureCoordinateAttribute);
-    return shader;
-}
-
 }  // namespace
 
 GlitchRender::GlitchRender()
-    : mBlockShader(MakeProgram(Shaders::kBlockGlitchFragment)),
-      mBadTVShader(MakeProgram(Shaders::kBadTVFragment))
+    : mBlockPass(Shaders::kGlitchVertex, Shaders::kBlockGlitchFragment),
+      mBadTVPass(Shaders::kGlitchVertex, Shaders::kBadTVFragment)
 {
-}
-
-GlitchRender::~GlitchRender()
-{
-    delete mBlockShader;
-    delete mBadTVShader;
-    // Only the current context's vertex array can be deleted from here; the
-    // others end with their contexts.
-    auto own = mVertexArrays.find(GLPlatform::currentContextId());
-    if (own != mVertexArrays.end()) {
-        glDeleteVertexArrays(1, &own->second);
-    }
-    if (mVBO != 0) {
-        glDeleteBuffers(1, &mVBO);
-    }
 }
 
 A_long GlitchRender::preaprea(PF_InData* in_data, PF_OutData*, PF_SmartRenderExtra*, int,
@@ -127,37 +80,14 @@ A_long GlitchRender::preaprea(PF_InData* in_data, PF_OutData*, PF_SmartRenderExt
 void GlitchRender::draw(PF_InData* in_data, PF_LayerDef* world, unsigned int texture,
                         float multiplier)
 {
-    if (mVBO == 0) {
-        glGenBuffers(1, &mVBO);
-        glBindBuffer(GL_ARRAY_BUFFER, mVBO);
-        glBufferData(GL_ARRAY_BUFFER, sizeof(kPositions), kPositions, GL_STATIC_DRAW);
-    }
-    GLuint& vertexArray = mVertexArrays[GLPlatform::currentContextId()];
-    if (vertexArray == 0) {
-        glGenVertexArrays(1, &vertexArray);
-    }
-
-    OpenglShader* shader = mGlitchType == 0 ? mBlockShader : mBadTVShader;
-    shader->useProgram();
-
-    glBindVertexArray(vertexArray);
-    glBindBuffer(GL_ARRAY_BUFFER, mVBO);
-    shader->setAttribute2fv(kPositionAttribute, kPositionOffset, kVertexStride);
-    shader->setAttribute2fv(kTextureCoordinateAttribute, kTextureCoordinateOffset, kVertexStride);
-
-    shader->setUniformTexture("videoTexture", static_cast<int>(GL_TEXTURE_2D),
-                              static_cast<int>(texture), 0);
-    shader->setUniform1f("multiplier16bit", multiplier);
-    shader->setUniform1f("iTime", ShaderTime(in_data, mSpeed));
-    shader->setUniform2f("texSize", static_cast<float>(world->width),
-                         static_cast<float>(world->height));
-
-    glDrawArrays(GL_TRIANGLES, 0, 6);
-
-    shader->disableVertexAttributeArray(kPositionAttribute);
-    shader->disableVertexAttributeArray(kTextureCoordinateAttribute);
-    glBindVertexArray(0);
-    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    const float time = ShaderTime(in_data, mSpeed);
+    const auto width = static_cast<float>(world->width);
+    const auto height = static_cast<float>(world->height);
+    FullScreenPass& pass = mGlitchType == 0 ? mBlockPass : mBadTVPass;
+    pass.draw(texture, multiplier, [&](const OpenglShader& shader) {
+        shader.setUniform1f("iTime", time);
+        shader.setUniform2f("texSize", width, height);
+    });
 }
 
 }  // namespace Halvane::Quorvex

@@ -1,13 +1,9 @@
 #pragma once
 
 #include "EffectInterface.h"
-#include "GL/GLPlatform.h"
-
-#include <map>
+#include "GL/FullScreenPass.h"
 
 namespace Halvane::Quorvex {
-
-class OpenglShader;
 
 // Draws one frame of the effect: reads "Glitch Type" and "Speed" from the
 // host, then runs the chosen program over a full-screen quad into the render
@@ -17,7 +13,7 @@ class GlitchRender {
 public:
     GlitchRender();
     // Needs a current context of the share group in which the renderer drew.
-    virtual ~GlitchRender();
+    virtual ~GlitchRender() = default;
 
     GlitchRender(const GlitchRender&) = delete;
     GlitchRender& operator=(const GlitchRender&) = delete;
@@ -33,14 +29,10 @@ public:
     void draw(PF_InData* in_data, PF_LayerDef* world, unsigned int texture, float multiplier);
 
 private:
-    // Vertex arrays cannot be shared: each context that draws gets its own,
-    // all reading the one shared buffer of the quad.
-    std::map<GLPlatform::ContextId, unsigned int> mVertexArrays;
-    unsigned int mVBO = 0;
-    int mGlitchType;
-    float mSpeed;
-    OpenglShader* mBlockShader;
-    OpenglShader* mBadTVShader;
+    int mGlitchType = 0;
+    float mSpeed = 0.0f;
+    FullScreenPass mBlockPass;
+    FullScreenPass mBadTVPass;
 };
 
 }  // namespace Halvane::Quorvex

@@ -6,7 +6,7 @@
 #include "GL/AEOpenGLContextManager.h"
 #include "GL/AEOpenGLUtilities.h"
 #include "GL/AEOpenglMainFrameBuffer.h"
-#include "GL/FrameProfiler.h"
+#include "GL/FrameHooks.h"
 #include "GL/SaveRestoreGLContextMac.h"
 #include "GlitchRender.h"
 #include "HostWorldCheck.h"
@@ -15,6 +15,9 @@
 #include <glbinding/gl/gl.h>
 
 #include <cstring>
+#include <exception>
+#include <iostream>
+#include <memory>
 #include <new>
 
 namespace Halvane::Quorvex {
@@ -23,14 +26,21 @@ namespace {
 
 AEGP_PluginID mPluginID = 0;
 // Made at load, before any command; its constructor makes no GL call.
-GlitchRender* mRender = new GlitchRender();
+std::unique_ptr<GlitchRender> mRender = std::make_unique<GlitchRender>();
+
+// Unloaded without set-down, the module must not delete GL names in whatever
+// context is current then (it may be the host's): the renderer is left to
+// the process, as the driver frees its objects with their contexts.
+struct LeaveRendererAtUnload {
+    ~LeaveRendererAtUnload() { static_cast<void>(mRender.release()); }
+} gLeaveRendererAtUnload;
 
 // Set-down deletes the renderer; a later set-up or frame in the same process
 // makes it again.
 GlitchRender& Renderer()
 {
     if (!mRender) {
-        mRender = new GlitchRender();
+        mRender = std::make_unique<GlitchRender>();
     }
     return *mRender;
 }
@@ -44,28 +54,33 @@ void SetupGL()
     saver.restore();
 }
 
-// Ends a frame that does not reach its end: the texture it uploaded and the
-// drawing level it opened go, so that nothing piles up on the frame buffer.
-class FrameCleanup {
+// The frame's drawing level, open while it lives: a frame that does not
+// reach end() takes its level off the frame buffer's stack, so that nothing
+// piles up there.
+class OpenDrawing {
 public:
-    ~FrameCleanup()
+    explicit OpenDrawing(AEOpenglMainFrameBuffer& frameBuffer) : mFrameBuffer(frameBuffer)
     {
-        if (mTexture != 0) {
-            gl::glDeleteTextures(1, &mTexture);
-        }
-        if (mLevelOpen) {
-            AEOpenglMainFrameBuffer::mainFrameBuffer()->clearStack();
+        mFrameBuffer.beginDrawing();
+    }
+    ~OpenDrawing()
+    {
+        if (mOpen) {
+            mFrameBuffer.clearStack();
         }
     }
+    OpenDrawing(const OpenDrawing&) = delete;
+    OpenDrawing& operator=(const OpenDrawing&) = delete;
 
-    void levelOpened() { mLevelOpen = true; }
-    void levelClosed() { mLevelOpen = false; }
-    void textureMade(gl::GLuint texture) { mTexture = texture; }
-    void textureDeleted() { mTexture = 0; }
+    void end(float multiplier)
+    {
+        mOpen = false;
+        mFrameBuffer.endDrawing(multiplier);
+    }
 
 private:
-    gl::GLuint mTexture = 0;
-    bool mLevelOpen = false;
+    AEOpenglMainFrameBuffer& mFrameBuffer;
+    bool mOpen = true;
 };
 
 bool IsEmptyRect(const PF_LRect* rect)
@@ -119,8 +134,7 @@ PF_Err GlobalSetdown(PF_InData* in_data, PF_OutData* out_data)
         shared->makeContextCurrent();
     }
     AEOpenglMainFrameBuffer::mainFrameBuffer()->destory();
-    delete mRender;
-    mRender = nullptr;
+    mRender.reset();
     AEOpenGLContextManager::releaseContextManager();
     saver.restore();
 
@@ -189,7 +203,7 @@ PF_Err SmartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra)
 
 PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra* extra)
 {
-    FrameProfiler::frameBegins();
+    NotifyFrameEvent(FrameEvent::FrameBegins);
     PF_EffectWorld* input = nullptr;
     PF_EffectWorld* output = nullptr;
     if (const PF_Err err =
@@ -216,19 +230,17 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
 
 
     AEOpenglMainFrameBuffer* frameBuffer = AEOpenglMainFrameBuffer::mainFrameBuffer();
-    frameBuffer->prepare(width, height, true, AEOpenGLUtilities::RenderTargetFormat(format));
-    FrameCleanup cleanup;
-    frameBuffer->beginDrawing();
-    cleanup.levelOpened();
-    FrameProfiler::stageEnds(FrameProfiler::kPrepare);
+    // Single-sample: the effect's quad covers every pixel, so samples would
+    // add no edge, only time, and move pixels off the shaders' exact result.
+    frameBuffer->prepare(width, height, false, AEOpenGLUtilities::RenderTargetFormat(format));
+    OpenDrawing drawing(*frameBuffer);
 
     unsigned long pixelSize = 4;
     gl::GLenum pixelType = gl::GL_UNSIGNED_BYTE;
     float multiplier = 1.0f;
-    const gl::GLuint texture = AEOpenGLUtilities::UploadTexture(
-        format, input, output, in_data, pixelSize, pixelType, multiplier, false);
-    cleanup.textureMade(texture);
-    FrameProfiler::stageEnds(FrameProfiler::kUpload);
+    // The input texture stays with the frame buffer for the next frame.
+    const gl::GLuint texture = frameBuffer->inputTexture();
+    AEOpenGLUtilities::UploadPixels(texture, format, input, in_data, pixelSize, pixelType, multiplier);
 
     GlitchRender& renderer = Renderer();
     // Drawing with the last frame's values would show a wrong frame as right.
@@ -236,19 +248,12 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
         return err;
     }
     renderer.draw(in_data, input, texture, multiplier);
-    FrameProfiler::stageEnds(FrameProfiler::kEffectDraw);
-
-    gl::glDeleteTextures(1, &texture);
-    cleanup.textureDeleted();
-    frameBuffer->endDrawing(multiplier);
-    cleanup.levelClosed();
+    drawing.end(multiplier);
 
     AEOpenGLUtilities::DownloadTexture(static_cast<unsigned int>(width),
                                        static_cast<unsigned int>(height), input, output, in_data,
                                        format, pixelSize, pixelType);
-    FrameProfiler::stageEnds(FrameProfiler::kReadBack);
     saver.restore();
-    FrameProfiler::frameEnds();
     return PF_Err_NONE;
 }
 
@@ -286,6 +291,9 @@ PF_Err EntryPointFunc(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data, PF_P
         return PF_Err_BAD_CALLBACK_PARAM;
     } catch (const std::bad_alloc&) {
         return PF_Err_OUT_OF_MEMORY;
+    } catch (const std::exception& error) {
+        std::cerr << "Quorvex: " << error.what() << std::endl;
+        return PF_Err_BAD_CALLBACK_PARAM;
     } catch (...) {
         return PF_Err_BAD_CALLBACK_PARAM;
     }

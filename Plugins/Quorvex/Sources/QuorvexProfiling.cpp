@@ -1,11 +1,11 @@
 #include "QuorvexProfiling.h"
 
 #include "EffectInterface.h"
+#include "FrameProfiler.h"
 #include "GL/AEOpenGLContextManager.h"
-#include "GL/FrameProfiler.h"
-#include "GL/GLObjectCensus.h"
 #include "GL/GLPlatform.h"
 #include "GL/SaveRestoreGLContextMac.h"
+#include "GLObjectCensus.h"
 
 #include <new>
 
@@ -15,7 +15,12 @@ using Halvane::Quorvex::GLObjectCensus;
 using Halvane::Quorvex::GLPlatform;
 using Halvane::Quorvex::SaveRestoreGLContextMac;
 
-static_assert(static_cast<int>(kQuorvexStageCount) == static_cast<int>(FrameProfiler::kStageCount));
+namespace {
+
+// The clock hears the frame's events from the module's load on.
+const bool gListening = (FrameProfiler::listen(), true);
+
+}  // namespace
 
 extern "C" {
 
@@ -26,15 +31,7 @@ __attribute__((visibility("default"))) void QuorvexProfilerSetSynchronised(int s
 
 __attribute__((visibility("default"))) int QuorvexProfilerLastFrame(QuorvexFrameProfile* profile)
 {
-    const FrameProfiler::Times& last = FrameProfiler::lastFrame();
-    if (!last.mComplete) {
-        return 1;
-    }
-    for (int stage = 0; stage < kQuorvexStageCount; ++stage) {
-        profile->mStageSeconds[stage] = last.mStageSeconds[stage];
-    }
-    profile->mFrameSeconds = last.mFrameSeconds;
-    return 0;
+    return FrameProfiler::lastFrame(*profile) ? 0 : 1;
 }
 
 __attribute__((visibility("default"))) int QuorvexProfilerCountLiveObjects(QuorvexLiveObjects* objects)
@@ -44,14 +41,7 @@ __attribute__((visibility("default"))) int QuorvexProfilerCountLiveObjects(Quorv
     try {
         SaveRestoreGLContextMac saver;
         AEOpenGLContextManager::getCurrentRenderContext()->makeContextCurrent();
-        const GLObjectCensus census = GLObjectCensus::take();
-        objects->mTextures = census.mTextures;
-        objects->mRenderbuffers = census.mRenderbuffers;
-        objects->mBuffers = census.mBuffers;
-        objects->mPrograms = census.mPrograms;
-        objects->mShaders = census.mShaders;
-        objects->mFramebuffers = census.mFramebuffers;
-        objects->mVertexArrays = census.mVertexArrays;
+        GLObjectCensus::take(*objects);
         objects->mContexts = static_cast<long>(GLPlatform::liveContextCount());
         saver.restore();
         return PF_Err_NONE;

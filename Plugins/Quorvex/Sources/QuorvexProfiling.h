@@ -6,7 +6,8 @@
 
 extern "C" {
 
-// Stages in the order a frame runs them; see GL/FrameProfiler.h.
+// Stages in the order a frame runs them, each ended by one of the GL
+// runtime's frame events (GL/FrameHooks.h).
 enum QuorvexProfileStage {
     kQuorvexStagePrepare,
     kQuorvexStageUpload,
@@ -23,6 +24,8 @@ struct QuorvexFrameProfile {
     double mFrameSeconds;
 };
 
+// The plug-in's live GL objects: what the census counts and the soak check
+// compares.
 struct QuorvexLiveObjects {
     // Shared by the plug-in's share group.
     long mTextures;

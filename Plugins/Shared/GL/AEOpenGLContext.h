@@ -13,7 +13,8 @@ namespace Halvane::Quorvex {
 // glbinding, and prints what GL it got to standard output.
 //
 // A context that cannot be created or made current is reported with one
-// line on standard error and thrown as PF_Err_BAD_CALLBACK_PARAM (an int).
+// line on standard error and thrown as PF_Err_BAD_CALLBACK_PARAM (an int),
+// which reaches the host as 516 through EntryPointFunc.
 class AEOpenGLContext {
 public:
     explicit AEOpenGLContext(AEOpenGLContext* shareContext);

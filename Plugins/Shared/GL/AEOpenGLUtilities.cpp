@@ -1,6 +1,8 @@
 #include "GL/AEOpenGLUtilities.h"
 
 #include "EffectSuites.h"
+#include "GL/FrameHooks.h"
+#include "GL/GLObject.h"
 #include "Helper/SuiteScoper.h"
 
 #include <glbinding/gl/gl.h>
@@ -77,31 +79,6 @@ unsigned char* PixelData(PF_InData* in_data, PF_LayerDef* world, const PixelDept
     return static_cast<unsigned char*>(base);
 }
 
-// A texture name that is deleted unless handed on.
-class TextureName {
-public:
-    TextureName() { glGenTextures(1, &mName); }
-    ~TextureName()
-    {
-        if (mName != 0) {
-            glDeleteTextures(1, &mName);
-        }
-    }
-    TextureName(const TextureName&) = delete;
-    TextureName& operator=(const TextureName&) = delete;
-
-    GLuint get() const { return mName; }
-    GLuint release()
-    {
-        const GLuint name = mName;
-        mName = 0;
-        return name;
-    }
-
-private:
-    GLuint mName = 0;
-};
-
 // A host handle, locked while it lives, then unlocked and disposed.
 class LockedHandle {
 public:
@@ -144,21 +121,33 @@ void IterateFloat(PF_InData* in_data, PF_LayerDef* input, AEOpenGLUtilities::Flo
     }
 }
 
-// Hands `height` rows of `width` pixels, `rowBytes` apart, to the bound
-// texture. GL counts a row length in pixels, so rows whose distance is not a
-// whole number of pixels go one at a time.
-void UploadRows(const unsigned char* pixels, GLsizei width, GLsizei height, std::size_t rowBytes,
-                const PixelDepth& depth)
+// The host's pixels of a frame, ready for GL: 8 and 16-bit rows straight in
+// host memory, float ones packed through the host's iterate.
+struct HostRows {
+    const PixelDepth& depth;
+    const unsigned char* pixels = nullptr;
+    std::size_t rowBytes = 0;
+    std::vector<PF_PixelFloat> packed;
+};
+
+// Hands the rows to the bound texture, then unbinds it. GL counts a row
+// length in pixels, so rows whose distance is not a whole number of pixels go
+// one at a time.
+void UploadRows(const HostRows& rows, GLsizei width, GLsizei height)
 {
-    if (rowBytes % depth.pixelSize == 0) {
-        glPixelStorei(GL_UNPACK_ROW_LENGTH, static_cast<GLint>(rowBytes / depth.pixelSize));
-        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_RGBA, depth.glType, pixels);
-        return;
+    const PixelDepth& depth = rows.depth;
+    if (rows.rowBytes % depth.pixelSize == 0) {
+        glPixelStorei(GL_UNPACK_ROW_LENGTH, static_cast<GLint>(rows.rowBytes / depth.pixelSize));
+        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_RGBA, depth.glType, rows.pixels);
+        glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+    } else {
+        for (GLsizei y = 0; y < height; ++y) {
+            glTexSubImage2D(GL_TEXTURE_2D, 0, 0, y, width, 1, GL_RGBA, depth.glType,
+                            rows.pixels + static_cast<std::size_t>(y) * rows.rowBytes);
+        }
     }
-    for (GLsizei y = 0; y < height; ++y) {
-        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, y, width, 1, GL_RGBA, depth.glType,
-                        pixels + static_cast<std::size_t>(y) * rowBytes);
-    }
+    glBindTexture(GL_TEXTURE_2D, 0);
+    NotifyFrameEvent(FrameEvent::InputUploaded);
 }
 
 PF_PixelFloat* PackedPixel(void* refcon, A_long x, A_long y)
@@ -171,6 +160,29 @@ PF_PixelFloat* PackedPixel(void* refcon, A_long x, A_long y)
     return context->mPixels + (static_cast<std::int64_t>(y) * width + x);
 }
 
+// Gathers the host's pixels before GL is touched, so that a failing host
+// call leaves nothing behind.
+HostRows GatherRows(int format, PF_LayerDef* input, PF_InData* in_data, unsigned long& pixelSize,
+                    GLenum& glType, float& multiplier)
+{
+    HostRows rows{DepthOf(format), nullptr, 0, {}};
+    RefuseOversizeFrame(input->width, input->height);
+    pixelSize = rows.depth.pixelSize;
+    glType = rows.depth.glType;
+    multiplier = rows.depth.multiplier;
+    if (rows.depth.format == PF_PixelFormat_ARGB128) {
+        rows.packed.resize(static_cast<std::size_t>(input->width) * static_cast<std::size_t>(input->height));
+        AEOpenGLUtilities::FloatCopyContext context{rows.packed.data(), input};
+        IterateFloat(in_data, input, context, AEOpenGLUtilities::CopyPixelFloatIn, input);
+        rows.pixels = reinterpret_cast<const unsigned char*>(rows.packed.data());
+        rows.rowBytes = static_cast<std::size_t>(input->width) * rows.depth.pixelSize;
+    } else {
+        rows.pixels = PixelData(in_data, input, rows.depth);
+        rows.rowBytes = static_cast<std::size_t>(input->rowbytes);
+    }
+    return rows;
+}
+
 }  // namespace
 
 GLuint AEOpenGLUtilities::UploadTexture(int format, PF_LayerDef* input, PF_LayerDef* /*output*/,
@@ -178,42 +190,26 @@ GLuint AEOpenGLUtilities::UploadTexture(int format, PF_LayerDef* input, PF_Layer
                                         float& multiplier, bool mipmap)
 {
     multiplier = 1.0f;
-    const PixelDepth& depth = DepthOf(format);
-    const GLsizei width = input->width;
-    const GLsizei height = input->height;
-    RefuseOversizeFrame(width, height);
-    pixelSize = depth.pixelSize;
-    glType = depth.glType;
-    multiplier = depth.multiplier;
-
-    // The host's pixels are gathered before any GL object exists. 8 and
-    // 16-bit rows go to GL straight from host memory; float ones only
-    // through the host's iterate, packed.
-    const unsigned char* pixels = nullptr;
-    std::size_t rowBytes = 0;
-    std::vector<PF_PixelFloat> packed;
-    if (depth.format == PF_PixelFormat_ARGB128) {
-        packed.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-        FloatCopyContext context{packed.data(), input};
-        IterateFloat(in_data, input, context, CopyPixelFloatIn, input);
-        pixels = reinterpret_cast<const unsigned char*>(packed.data());
-        rowBytes = static_cast<std::size_t>(width) * depth.pixelSize;
-    } else {
-        pixels = PixelData(in_data, input, depth);
-        rowBytes = static_cast<std::size_t>(input->rowbytes);
-    }
-
-    TextureName texture;
-    glBindTexture(GL_TEXTURE_2D, texture.get());
+    const HostRows rows = GatherRows(format, input, in_data, pixelSize, glType, multiplier);
+    GLTexture texture = GLTexture::generate();
+    glBindTexture(GL_TEXTURE_2D, texture.name());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(GL_RGBA32F), width, height, 0, GL_RGBA, GL_FLOAT, nullptr);
-    UploadRows(pixels, width, height, rowBytes, depth);
-    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
-    glBindTexture(GL_TEXTURE_2D, 0);
+    glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(GL_RGBA32F), input->width, input->height, 0, GL_RGBA,
+                 GL_FLOAT, nullptr);
+    UploadRows(rows, input->width, input->height);
     return texture.release();
+}
+
+void AEOpenGLUtilities::UploadPixels(GLuint texture, int format, PF_LayerDef* input, PF_InData* in_data,
+                                     unsigned long& pixelSize, GLenum& glType, float& multiplier)
+{
+    multiplier = 1.0f;
+    const HostRows rows = GatherRows(format, input, in_data, pixelSize, glType, multiplier);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    UploadRows(rows, input->width, input->height);
 }
 
 void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height, PF_LayerDef* input,
@@ -231,6 +227,21 @@ void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height,
         return;
     }
 
+    // An 8 or 16-bit output that holds the whole frame, its rows a whole
+    // number of pixels apart, takes the pixels straight from GL.
+    if (depth.format != PF_PixelFormat_ARGB128 && output->width >= static_cast<A_long>(width) &&
+        output->height >= static_cast<A_long>(height) && output->rowbytes > 0 &&
+        static_cast<std::size_t>(output->rowbytes) % depth.pixelSize == 0) {
+        unsigned char* destination = PixelData(in_data, output, depth);
+        glReadBuffer(GL_COLOR_ATTACHMENT0);
+        glPixelStorei(GL_PACK_ROW_LENGTH, static_cast<GLint>(static_cast<std::size_t>(output->rowbytes) / depth.pixelSize));
+        glReadPixels(0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGBA, depth.glType,
+                     destination);
+        glPixelStorei(GL_PACK_ROW_LENGTH, 0);
+        NotifyFrameEvent(FrameEvent::OutputRead);
+        return;
+    }
+
     SuiteScoper<PF_HandleSuite1> handleSuite(in_data, kPFHandleSuite, 2);
     const LockedHandle staging(*handleSuite.get(), bytes);
     glReadBuffer(GL_COLOR_ATTACHMENT0);
@@ -245,15 +256,18 @@ void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height,
         frame.height = static_cast<A_long>(height);
         FloatCopyContext context{reinterpret_cast<PF_PixelFloat*>(staging.data()), &frame};
         IterateFloat(in_data, input, context, CopyPixelFloatOut, output);
+        NotifyFrameEvent(FrameEvent::OutputRead);
         return;
     }
     const A_long rows = std::min<A_long>(output->height, static_cast<A_long>(height));
     const std::size_t rowBytes =
         static_cast<std::size_t>(std::clamp<A_long>(output->width, 0, static_cast<A_long>(width))) * depth.pixelSize;
+    unsigned char* const outputPixels = PixelData(in_data, output, depth);
     for (A_long y = 0; y < rows; ++y) {
-        unsigned char* destination = PixelData(in_data, output, depth) + static_cast<std::size_t>(y) * output->rowbytes;
+        unsigned char* destination = outputPixels + static_cast<std::size_t>(y) * output->rowbytes;
         std::memcpy(destination, staging.data() + static_cast<std::size_t>(y) * frameRowBytes, rowBytes);
     }
+    NotifyFrameEvent(FrameEvent::OutputRead);
 }
 
 PF_Err AEOpenGLUtilities::CopyPixelFloatIn(void* refcon, A_long x, A_long y, PF_PixelFloat* in,

@@ -21,8 +21,9 @@ namespace Halvane::Quorvex {
 // (PF_Err_BAD_CALLBACK_PARAM) for a pixel format outside the table or a frame
 // beyond the GL limits (both said on standard error), 4 when the host has no
 // staging memory, the host's own number when a host call fails, and 13 for a
-// missing suite. Whatever a call took is given back when it throws, and the
-// output world is then left untouched.
+// missing suite. Through EntryPointFunc every one of them reaches the host
+// as 516. Whatever a call took is given back when it throws, and the output
+// world is then left untouched.
 class AEOpenGLUtilities {
 public:
     // The refcon of the float pixel functions.
@@ -47,6 +48,12 @@ public:
     static gl::GLuint UploadTexture(int format, PF_LayerDef* input, PF_LayerDef* output, PF_InData* in_data,
                                     unsigned long& pixelSize, gl::GLenum& glType, float& multiplier,
                                     bool mipmap);
+
+    // The same into `texture`, a GL_RGBA32F texture of the input's size that
+    // the caller made (and may keep from frame to frame): only its texels
+    // change, and it is left unbound.
+    static void UploadPixels(gl::GLuint texture, int format, PF_LayerDef* input, PF_InData* in_data,
+                             unsigned long& pixelSize, gl::GLenum& glType, float& multiplier);
 
     // Reads the bound, complete framebuffer of `width` by `height` pixels and
     // writes it into `output`, as far as both have pixels. The output's row

@@ -1,7 +1,7 @@
 #include "GL/AEOpenglMainFrameBuffer.h"
 
 #include "GL/AEOpenGLUtilities.h"
-#include "GL/FrameProfiler.h"
+#include "GL/FrameHooks.h"
 #include "GL/ScreenRender.h"
 
 #include <glbinding/gl/gl.h>
@@ -26,8 +26,23 @@ GLsizei FrameSize(std::uint32_t size, bool fits)
 
 }  // namespace
 
-AEOpenglMainFrameBuffer::AEOpenglMainFrameBuffer() : mScreenRender(new ScreenRender())
+AEOpenglMainFrameBuffer::AEOpenglMainFrameBuffer() : mScreenRender(std::make_unique<ScreenRender>())
 {
+}
+
+AEOpenglMainFrameBuffer::~AEOpenglMainFrameBuffer() = default;
+
+bool AEOpenglMainFrameBuffer::ContextFrameBuffers::owns(GLuint name) const
+{
+    return name != 0 && (name == mFrameBuffer.name() || name == mMultisampleFrameBuffer.name() ||
+                         name == mResolveFrameBuffer.name());
+}
+
+void AEOpenglMainFrameBuffer::ContextFrameBuffers::abandon()
+{
+    mResolveFrameBuffer.release();
+    mFrameBuffer.release();
+    mMultisampleFrameBuffer.release();
 }
 
 AEOpenglMainFrameBuffer* AEOpenglMainFrameBuffer::mainFrameBuffer()
@@ -55,8 +70,8 @@ void AEOpenglMainFrameBuffer::prepare(long width, long height, bool multisample,
     mStorageFits = AEOpenGLUtilities::FrameSizeProblem(width, height).empty();
 
     contextFrameBuffers();
-    glGenRenderbuffers(1, &mRenderBuffer);
-    glBindRenderbuffer(GL_RENDERBUFFER, mRenderBuffer);
+    mRenderBuffer = GLRenderbuffer::generate();
+    glBindRenderbuffer(GL_RENDERBUFFER, mRenderBuffer.name());
     if (mStorageFits) {
         glRenderbufferStorage(GL_RENDERBUFFER, mColourFormat, static_cast<GLsizei>(mWidth),
                               static_cast<GLsizei>(mHeight));
@@ -65,43 +80,75 @@ void AEOpenglMainFrameBuffer::prepare(long width, long height, bool multisample,
 
 void AEOpenglMainFrameBuffer::unprepare()
 {
-    // Other contexts' framebuffers cannot be deleted from here; a new
-    // generation has them remade at their next use.
-    const auto own = mContextFrameBuffers.find(GLPlatform::currentContextId());
-    if (own != mContextFrameBuffers.end()) {
-        deleteFrameBuffers(own->second);
-        mContextFrameBuffers.erase(own);
-    }
+    forgetFrameBuffers(false);
     ++mGeneration;
-    if (mRenderBuffer != 0) {
-        glDeleteRenderbuffers(1, &mRenderBuffer);
-        mRenderBuffer = 0;
-    }
+    mRenderBuffer.reset();
+    mSpareLevel.reset();
+    mResolveTexture.reset();
+    mInputTexture.reset();
     clearStack();
+}
+
+GLuint AEOpenglMainFrameBuffer::inputTexture()
+{
+    if (!mInputTexture) {
+        // Every frame overwrites every texel, so it starts undefined.
+        mInputTexture = createTexture(GL_RGBA32F, FrameSize(mWidth, mStorageFits), FrameSize(mHeight, mStorageFits),
+                                      GL_LINEAR, GL_LINEAR, false);
+    }
+    return mInputTexture.name();
+}
+
+void AEOpenglMainFrameBuffer::forgetFrameBuffers(bool allContexts)
+{
+    // Other contexts' framebuffers cannot be deleted from here. Kept, a new
+    // generation has them remade at their next use; forgotten, they end with
+    // their contexts.
+    const GLPlatform::ContextId current = GLPlatform::currentContextId();
+    for (auto frameBuffers = mContextFrameBuffers.begin(); frameBuffers != mContextFrameBuffers.end();) {
+        if (frameBuffers->first == current) {
+            frameBuffers = mContextFrameBuffers.erase(frameBuffers);
+        } else if (allContexts) {
+            frameBuffers->second.abandon();
+            frameBuffers = mContextFrameBuffers.erase(frameBuffers);
+        } else {
+            ++frameBuffers;
+        }
+    }
 }
 
 void AEOpenglMainFrameBuffer::destory()
 {
     unprepare();
-    delete mScreenRender;
-    mScreenRender = nullptr;
-    mContextFrameBuffers.clear();
-    mStencilBuffers.clear();
+    mScreenRender.reset();
+    forgetFrameBuffers(true);
     mWidth = 0;
     mHeight = 0;
 }
 
 void AEOpenglMainFrameBuffer::clearStack()
 {
-    for (std::uint32_t colour : mRenderBufferStack) {
-        glDeleteRenderbuffers(1, &colour);
-        const auto stencil = mStencilBuffers.find(colour);
-        if (stencil != mStencilBuffers.end()) {
-            glDeleteRenderbuffers(1, &stencil->second);
-            mStencilBuffers.erase(stencil);
+    mLevels.clear();
+}
+
+std::vector<std::uint32_t> AEOpenglMainFrameBuffer::renderBufferStack() const
+{
+    std::vector<std::uint32_t> names;
+    for (const Level& level : mLevels) {
+        names.push_back(level.mColour.name());
+    }
+    return names;
+}
+
+std::map<std::uint32_t, std::uint32_t> AEOpenglMainFrameBuffer::stencilBuffers() const
+{
+    std::map<std::uint32_t, std::uint32_t> names;
+    for (const Level& level : mLevels) {
+        if (level.mStencil) {
+            names.emplace(level.mColour.name(), level.mStencil.name());
         }
     }
-    mRenderBufferStack.clear();
+    return names;
 }
 
 unsigned short AEOpenglMainFrameBuffer::width() const
@@ -117,27 +164,31 @@ unsigned short AEOpenglMainFrameBuffer::height() const
 GLuint AEOpenglMainFrameBuffer::createRenderTexture(bool mipmap)
 {
     return createTexture(mColourFormat, FrameSize(mWidth, mStorageFits), FrameSize(mHeight, mStorageFits),
-                         mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR, GL_LINEAR, true);
+                         mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR, GL_LINEAR, true)
+        .release();
 }
 
 GLuint AEOpenglMainFrameBuffer::createFloatRenderTexture(bool linear, bool mipmap)
 {
     const auto [minFilter, magFilter] = floatFilters(linear, mipmap);
     return createTexture(GL_RGBA32F, FrameSize(mWidth, mStorageFits), FrameSize(mHeight, mStorageFits),
-                         minFilter, magFilter, true);
+                         minFilter, magFilter, true)
+        .release();
 }
 
 GLuint AEOpenglMainFrameBuffer::createRenderTexture(const Vec2& size, bool mipmap)
 {
     return createTexture(mColourFormat, static_cast<GLsizei>(size.x), static_cast<GLsizei>(size.y),
-                         mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR, GL_LINEAR, true);
+                         mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR, GL_LINEAR, true)
+        .release();
 }
 
 GLuint AEOpenglMainFrameBuffer::createFloatRenderTexture(const Vec2& size, bool linear, bool mipmap)
 {
     const auto [minFilter, magFilter] = floatFilters(linear, mipmap);
     return createTexture(GL_RGBA32F, static_cast<GLsizei>(size.x), static_cast<GLsizei>(size.y),
-                         minFilter, magFilter, true);
+                         minFilter, magFilter, true)
+        .release();
 }
 
 std::pair<GLenum, GLenum> AEOpenglMainFrameBuffer::floatFilters(bool linear, bool mipmap)
@@ -155,98 +206,111 @@ void AEOpenglMainFrameBuffer::beginDrawing()
     if (mMultisample) {
         glEnable(GL_MULTISAMPLE);
     }
-    pushRenderContext(false, false);
+    openLevel(std::move(mSpareLevel), false);
     glDrawBuffer(GL_COLOR_ATTACHMENT0);
     glViewport(0, 0, static_cast<GLsizei>(mWidth), static_cast<GLsizei>(mHeight));
+    NotifyFrameEvent(FrameEvent::TargetsReady);
 }
 
 void AEOpenglMainFrameBuffer::endDrawing(float multiplier)
 {
-    GLuint texture = popRenderContext();
-    if (texture == 0) {
+    if (mLevels.empty()) {
         return;
     }
-    FrameProfiler::stageEnds(FrameProfiler::kResolve);
+    NotifyFrameEvent(FrameEvent::EffectDrawn);
     // The final pass maps texels to pixels one to one. A linear filter there
     // would mix a sliver of each neighbour into every pixel, and dividing by
     // an alpha that ought to be 0 would blow the sliver up into the
-    // neighbour's colour.
-    glBindTexture(GL_TEXTURE_2D, texture);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    glBindTexture(GL_TEXTURE_2D, 0);
-    glBindFramebuffer(GL_FRAMEBUFFER, contextFrameBuffers().mFrameBuffer);
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, mRenderBuffer);
+    // neighbour's colour. The resolve covers every texel, so the texture is
+    // never cleared.
+    if (!mResolveTexture) {
+        mResolveTexture = createTexture(mColourFormat, FrameSize(mWidth, mStorageFits),
+                                        FrameSize(mHeight, mStorageFits), GL_NEAREST, GL_NEAREST, false);
+    }
+    resolveTopLevel(mResolveTexture.name());
+    // The level's storage serves the next frame of this size and format.
+    Level closed = std::move(mLevels.back());
+    mLevels.pop_back();
+    if (!closed.mStencil) {
+        mSpareLevel = std::move(closed.mColour);
+    }
+    if (!mLevels.empty()) {
+        attachTopLevel();
+    }
+    NotifyFrameEvent(FrameEvent::LevelResolved);
+    glBindFramebuffer(GL_FRAMEBUFFER, contextFrameBuffers().mFrameBuffer.name());
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, mRenderBuffer.name());
     glDisable(GL_BLEND);
     glDisable(GL_MULTISAMPLE);
     glViewport(0, 0, static_cast<GLsizei>(mWidth), static_cast<GLsizei>(mHeight));
     glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
     glClear(GL_COLOR_BUFFER_BIT);
-    screenRender().draw(texture, multiplier);
-    glDeleteTextures(1, &texture);
-    FrameProfiler::stageEnds(FrameProfiler::kScreenPass);
+    screenRender().draw(mResolveTexture.name(), multiplier);
+    NotifyFrameEvent(FrameEvent::FinalPassDrawn);
 }
 
 void AEOpenglMainFrameBuffer::pushRenderContext(bool /*unused*/, bool stencil)
 {
-    GLuint colour = 0;
-    glGenRenderbuffers(1, &colour);
-    glBindRenderbuffer(GL_RENDERBUFFER, colour);
-    levelStorage(mColourFormat);
+    openLevel(GLRenderbuffer(), stencil);
+}
+
+void AEOpenglMainFrameBuffer::openLevel(GLRenderbuffer storage, bool stencil)
+{
+    const bool fresh = !storage;
+    Level level{fresh ? GLRenderbuffer::generate() : std::move(storage), {}};
+    glBindRenderbuffer(GL_RENDERBUFFER, level.mColour.name());
+    if (fresh) {
+        levelStorage(mColourFormat);
+    }
     glBindFramebuffer(GL_FRAMEBUFFER, levelFrameBuffer());
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, colour);
-    GLuint stencilBuffer = 0;
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, level.mColour.name());
     if (stencil) {
-        glGenRenderbuffers(1, &stencilBuffer);
-        glBindRenderbuffer(GL_RENDERBUFFER, stencilBuffer);
+        level.mStencil = GLRenderbuffer::generate();
+        glBindRenderbuffer(GL_RENDERBUFFER, level.mStencil.name());
         levelStorage(GL_STENCIL_INDEX8);
-        mStencilBuffers[colour] = stencilBuffer;
     }
     // A level below may have left its stencil buffer attached.
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT, GL_RENDERBUFFER, stencilBuffer);
-    mRenderBufferStack.push_back(colour);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT, GL_RENDERBUFFER, level.mStencil.name());
+    mLevels.push_back(std::move(level));
     glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
     glClear(GL_COLOR_BUFFER_BIT);
 }
 
 GLuint AEOpenglMainFrameBuffer::popRenderContext()
 {
-    if (mRenderBufferStack.empty()) {
+    if (mLevels.empty()) {
         return 0;
     }
     // The resolve covers every texel, so the texture need not be cleared
     // first; that would cost a frame-sized block of zeros each time.
-    const GLuint texture = createTexture(mColourFormat, FrameSize(mWidth, mStorageFits),
-                                         FrameSize(mHeight, mStorageFits), GL_LINEAR, GL_LINEAR, false);
+    GLTexture texture = createTexture(mColourFormat, FrameSize(mWidth, mStorageFits),
+                                      FrameSize(mHeight, mStorageFits), GL_LINEAR, GL_LINEAR, false);
+    resolveTopLevel(texture.name());
+    mLevels.pop_back();
+    if (!mLevels.empty()) {
+        attachTopLevel();
+    }
+    return texture.release();
+}
+
+void AEOpenglMainFrameBuffer::resolveTopLevel(GLuint texture)
+{
     const GLsizei width = static_cast<GLsizei>(mWidth);
     const GLsizei height = static_cast<GLsizei>(mHeight);
     const ContextFrameBuffers& frameBuffers = contextFrameBuffers();
     if (mMultisample) {
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, frameBuffers.mMultisampleFrameBuffer);
-        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, frameBuffers.mResolveFrameBuffer);
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, frameBuffers.mMultisampleFrameBuffer.name());
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, frameBuffers.mResolveFrameBuffer.name());
         glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
         glBlitFramebuffer(0, 0, width, height, 0, 0, width, height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
         // Detached, so that the texture's storage goes when its owner deletes it.
         glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, 0, 0);
     } else {
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, frameBuffers.mFrameBuffer);
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, frameBuffers.mFrameBuffer.name());
         glBindTexture(GL_TEXTURE_2D, texture);
         glCopyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 0, 0, width, height);
         glBindTexture(GL_TEXTURE_2D, 0);
     }
-
-    GLuint top = mRenderBufferStack.back();
-    mRenderBufferStack.pop_back();
-    glDeleteRenderbuffers(1, &top);
-    const auto stencil = mStencilBuffers.find(top);
-    if (stencil != mStencilBuffers.end()) {
-        glDeleteRenderbuffers(1, &stencil->second);
-        mStencilBuffers.erase(stencil);
-    }
-    if (!mRenderBufferStack.empty()) {
-        attachTopLevel();
-    }
-    return texture;
 }
 
 void AEOpenglMainFrameBuffer::pushNormalRenderContext(GLuint texture)
@@ -262,10 +326,9 @@ void AEOpenglMainFrameBuffer::pushNormalRenderContext(GLuint texture, const Vec2
 
 void AEOpenglMainFrameBuffer::bindNormalFrameBuffer(GLuint texture, int level)
 {
-    GLuint frameBuffer = 0;
-    glGenFramebuffers(1, &frameBuffer);
+    mNormalFrameBuffers.push_back(GLFramebuffer::generate());
     glBindRenderbuffer(GL_RENDERBUFFER, 0);
-    glBindFramebuffer(GL_FRAMEBUFFER, frameBuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, mNormalFrameBuffers.back().name());
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, level);
     glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
     glClear(GL_COLOR_BUFFER_BIT);
@@ -278,19 +341,17 @@ void AEOpenglMainFrameBuffer::popNormalRenderContext()
     const auto name = static_cast<GLuint>(bound);
     // Only the framebuffer of a normal push goes; without one bound there is
     // nothing to undo, and the frame's own framebuffers stay.
-    const auto own = mContextFrameBuffers.find(GLPlatform::currentContextId());
-    const bool ours = own != mContextFrameBuffers.end() &&
-                      (name == own->second.mFrameBuffer || name == own->second.mMultisampleFrameBuffer ||
-                       name == own->second.mResolveFrameBuffer);
-    if (name != 0 && !ours) {
+    const auto pushed = std::find_if(mNormalFrameBuffers.begin(), mNormalFrameBuffers.end(),
+                                     [name](const GLFramebuffer& frameBuffer) { return frameBuffer.name() == name; });
+    if (pushed != mNormalFrameBuffers.end()) {
         glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, 0, 0);
     }
     glBindRenderbuffer(GL_RENDERBUFFER, 0);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    if (name != 0 && !ours) {
-        glDeleteFramebuffers(1, &name);
+    if (pushed != mNormalFrameBuffers.end()) {
+        mNormalFrameBuffers.erase(pushed);
     }
-    if (!mRenderBufferStack.empty()) {
+    if (!mLevels.empty()) {
         attachTopLevel();
         const GLenum drawBuffer = GL_COLOR_ATTACHMENT0;
         glDrawBuffers(1, &drawBuffer);
@@ -322,45 +383,29 @@ GLsizei AEOpenglMainFrameBuffer::sampleCount()
 AEOpenglMainFrameBuffer::ContextFrameBuffers& AEOpenglMainFrameBuffer::contextFrameBuffers()
 {
     ContextFrameBuffers& frameBuffers = mContextFrameBuffers[GLPlatform::currentContextId()];
-    if (frameBuffers.mFrameBuffer != 0 && frameBuffers.mGeneration == mGeneration) {
+    if (frameBuffers.mFrameBuffer && frameBuffers.mGeneration == mGeneration) {
         return frameBuffers;
     }
-    deleteFrameBuffers(frameBuffers);
     frameBuffers.mGeneration = mGeneration;
-    glGenFramebuffers(1, &frameBuffers.mFrameBuffer);
-    if (mMultisample) {
-        glGenFramebuffers(1, &frameBuffers.mResolveFrameBuffer);
-        glGenFramebuffers(1, &frameBuffers.mMultisampleFrameBuffer);
-    }
+    frameBuffers.mFrameBuffer = GLFramebuffer::generate();
+    frameBuffers.mResolveFrameBuffer = mMultisample ? GLFramebuffer::generate() : GLFramebuffer();
+    frameBuffers.mMultisampleFrameBuffer = mMultisample ? GLFramebuffer::generate() : GLFramebuffer();
     return frameBuffers;
-}
-
-void AEOpenglMainFrameBuffer::deleteFrameBuffers(ContextFrameBuffers& frameBuffers)
-{
-    for (GLuint* name : {&frameBuffers.mResolveFrameBuffer, &frameBuffers.mFrameBuffer,
-                         &frameBuffers.mMultisampleFrameBuffer}) {
-        if (*name != 0) {
-            glDeleteFramebuffers(1, name);
-            *name = 0;
-        }
-    }
 }
 
 GLuint AEOpenglMainFrameBuffer::levelFrameBuffer()
 {
     const ContextFrameBuffers& frameBuffers = contextFrameBuffers();
-    return mMultisample ? frameBuffers.mMultisampleFrameBuffer : frameBuffers.mFrameBuffer;
+    return mMultisample ? frameBuffers.mMultisampleFrameBuffer.name() : frameBuffers.mFrameBuffer.name();
 }
 
 void AEOpenglMainFrameBuffer::attachTopLevel()
 {
-    const GLuint top = mRenderBufferStack.back();
-    const auto stencil = mStencilBuffers.find(top);
-    glBindRenderbuffer(GL_RENDERBUFFER, top);
+    const Level& top = mLevels.back();
+    glBindRenderbuffer(GL_RENDERBUFFER, top.mColour.name());
     glBindFramebuffer(GL_FRAMEBUFFER, levelFrameBuffer());
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, top);
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT, GL_RENDERBUFFER,
-                              stencil != mStencilBuffers.end() ? stencil->second : 0);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, top.mColour.name());
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT, GL_RENDERBUFFER, top.mStencil.name());
 }
 
 void AEOpenglMainFrameBuffer::levelStorage(GLenum format)
@@ -377,12 +422,11 @@ void AEOpenglMainFrameBuffer::levelStorage(GLenum format)
     }
 }
 
-GLuint AEOpenglMainFrameBuffer::createTexture(GLenum internalFormat, GLsizei width, GLsizei height,
-                                              GLenum minFilter, GLenum magFilter, bool transparentBlack)
+GLTexture AEOpenglMainFrameBuffer::createTexture(GLenum internalFormat, GLsizei width, GLsizei height,
+                                                 GLenum minFilter, GLenum magFilter, bool transparentBlack)
 {
-    GLuint texture = 0;
-    glGenTextures(1, &texture);
-    glBindTexture(GL_TEXTURE_2D, texture);
+    GLTexture texture = GLTexture::generate();
+    glBindTexture(GL_TEXTURE_2D, texture.name());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, minFilter);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, magFilter);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
@@ -399,8 +443,8 @@ GLuint AEOpenglMainFrameBuffer::createTexture(GLenum internalFormat, GLsizei wid
 
 ScreenRender& AEOpenglMainFrameBuffer::screenRender()
 {
-    if (mScreenRender == nullptr) {
-        mScreenRender = new ScreenRender();
+    if (!mScreenRender) {
+        mScreenRender = std::make_unique<ScreenRender>();
     }
     return *mScreenRender;
 }

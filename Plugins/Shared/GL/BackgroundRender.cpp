@@ -1,23 +1,10 @@
 #include "GL/BackgroundRender.h"
 
+#include "GL/Shaders/PassShaders.h"
+
 namespace Halvane::Quorvex {
 
-namespace {
-
-const char* const kVertexSource =
-    "#version 330\nin vec3 position; in vec2 input_uv; out vec2 uv; void main() {uv = input_uv; "
-    "gl_Position = vec4(position, 1.0); }";
-
-const char* const kFragmentSource =
-    "#version 330\nin vec2 uv;uniform sampler2D videoTexture;uniform float multiplier16bit;out vec4 "
-    "colourOut;\nvoid main() {\tcolourOut = texture( videoTexture, uv );\tcolourOut = colourOut * "
-    "multiplier16bit; \tcolourOut = vec4(colourOut.g, colourOut.b, colourOut.a, colourOut.r); \tcolourOut "
-    "= vec4(colourOut.a * colourOut.r, colourOut.a * colourOut.g, colourOut.a * colourOut.b, "
-    "colourOut.a); }";
-
-}  // namespace
-
-BackgroundRender::BackgroundRender() : mPass(kVertexSource, kFragmentSource)
+BackgroundRender::BackgroundRender() : mPass(Shaders::kFullScreenVertex, Shaders::kBackgroundFragment)
 {
 }
 

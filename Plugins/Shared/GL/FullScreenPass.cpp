@@ -10,10 +10,21 @@ using namespace gl;
 
 namespace {
 
-// Six vertices of x, y, z, u, v.
+// Two triangles over clip space, six vertices of x, y, z, u, v.
+constexpr float kQuad[30] = {
+    1.0f,  -1.0f, 0.0f, 1.0f, 0.0f,
+    1.0f,  1.0f,  0.0f, 1.0f, 1.0f,
+    -1.0f, 1.0f,  0.0f, 0.0f, 1.0f,
+    -1.0f, 1.0f,  0.0f, 0.0f, 1.0f,
+    -1.0f, -1.0f, 0.0f, 0.0f, 0.0f,
+    1.0f,  -1.0f, 0.0f, 1.0f, 0.0f,
+};
+constexpr int kPositionAttribute = 0;
+constexpr int kTextureCoordinateAttribute = 1;
 constexpr GLsizei kStride = 5 * sizeof(float);
 constexpr std::uintptr_t kUVOffset = 3 * sizeof(float);
 
+// A byte offset into the bound buffer, passed where GL takes a pointer.
 const float* ByteOffset(std::uintptr_t bytes)
 {
     return reinterpret_cast<const float*>(bytes);
@@ -24,53 +35,47 @@ const float* ByteOffset(std::uintptr_t bytes)
 FullScreenPass::FullScreenPass(const char* vertexSource, const char* fragmentSource)
     : mShader(vertexSource, fragmentSource)
 {
-    mShader.addAttributeBinding("position", 0);
-    mShader.addAttributeBinding("input_uv", 1);
+    mShader.addAttributeBinding("position", kPositionAttribute);
+    mShader.addAttributeBinding("input_uv", kTextureCoordinateAttribute);
 }
 
 FullScreenPass::~FullScreenPass()
 {
-    const auto own = mVAOs.find(GLPlatform::currentContextId());
-    if (own != mVAOs.end()) {
-        glDeleteVertexArrays(1, &own->second);
-    }
-    if (mVBO != 0) {
-        glDeleteBuffers(1, &mVBO);
+    // Another context's vertex array is a name of that context only: deleting
+    // it from here would delete whatever this context calls by that name.
+    const GLPlatform::ContextId current = GLPlatform::currentContextId();
+    for (auto& [context, vertexArray] : mVertexArrays) {
+        if (context != current) {
+            vertexArray.release();
+        }
     }
 }
 
-void FullScreenPass::draw(GLuint texture, float multiplier)
+void FullScreenPass::draw(GLuint texture, float multiplier, const UniformSetter& moreUniforms)
 {
-    static const float positions[30] = {
-        1.0f, -1.0f, 0.0f, 1.0f, 0.0f,
-        1.0f, 1.0f, 0.0f, 1.0f, 1.0f,
-        -1.0f, 1.0f, 0.0f, 0.0f, 1.0f,
-        -1.0f, 1.0f, 0.0f, 0.0f, 1.0f,
-        -1.0f, -1.0f, 0.0f, 0.0f, 0.0f,
-        1.0f, -1.0f, 0.0f, 1.0f, 0.0f,
-    };
-
-    GLuint& vao = mVAOs[GLPlatform::currentContextId()];
-    if (vao == 0) {
-        glGenVertexArrays(1, &vao);
-        glBindVertexArray(vao);
+    GLVertexArray& vertexArray = mVertexArrays[GLPlatform::currentContextId()];
+    if (!vertexArray) {
+        vertexArray = GLVertexArray::generate();
     }
-    if (mVBO == 0) {
-        glGenBuffers(1, &mVBO);
-        glBindBuffer(GL_ARRAY_BUFFER, mVBO);
-        glBufferData(GL_ARRAY_BUFFER, sizeof positions, positions, GL_STATIC_DRAW);
+    if (!mVertexBuffer) {
+        mVertexBuffer = GLBuffer::generate();
+        glBindBuffer(GL_ARRAY_BUFFER, mVertexBuffer.name());
+        glBufferData(GL_ARRAY_BUFFER, sizeof kQuad, kQuad, GL_STATIC_DRAW);
     }
 
     mShader.useProgram();
-    glBindVertexArray(vao);
-    glBindBuffer(GL_ARRAY_BUFFER, mVBO);
-    mShader.setAttribute3fv(0, ByteOffset(0), kStride);
-    mShader.setAttribute2fv(1, ByteOffset(kUVOffset), kStride);
+    glBindVertexArray(vertexArray.name());
+    glBindBuffer(GL_ARRAY_BUFFER, mVertexBuffer.name());
+    mShader.setAttribute3fv(kPositionAttribute, ByteOffset(0), kStride);
+    mShader.setAttribute2fv(kTextureCoordinateAttribute, ByteOffset(kUVOffset), kStride);
     mShader.setUniformTexture("videoTexture", static_cast<int>(GL_TEXTURE_2D), static_cast<int>(texture), 0);
     mShader.setUniform1f("multiplier16bit", multiplier);
+    if (moreUniforms) {
+        moreUniforms(mShader);
+    }
     glDrawArrays(GL_TRIANGLES, 0, 6);
-    mShader.disableVertexAttributeArray(0);
-    mShader.disableVertexAttributeArray(1);
+    mShader.disableVertexAttributeArray(kPositionAttribute);
+    mShader.disableVertexAttributeArray(kTextureCoordinateAttribute);
     glBindVertexArray(0);
     glBindBuffer(GL_ARRAY_BUFFER, 0);
 }

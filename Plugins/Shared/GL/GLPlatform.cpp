@@ -276,14 +276,43 @@ const DisplayState& Display()
 std::mutex gRegistryMutex;
 std::unordered_map<EGLContext, GLPlatform::ContextId> gRegistry;
 GLPlatform::ContextId gNextId = 1;
-std::function<void(GLPlatform::ContextId)> gDestroyObserver;
 
+#ifdef QUORVEX_GL_INSTRUMENTED
+std::function<void(GLPlatform::ContextId)> gDestroyObserver;
 std::atomic<int> gInjectedFailures{0};
 std::atomic<std::uint64_t> gMakeCurrentCount{0};
 
-void MakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read, EGLContext context)
+// What the test seams do on the way.
+void CountMakeCurrent()
 {
     ++gMakeCurrentCount;
+}
+
+void FailIfInjected()
+{
+    for (int left = gInjectedFailures.load(); left > 0;) {
+        if (gInjectedFailures.compare_exchange_weak(left, left - 1)) {
+            throw GLPlatform::Error("eglCreateContext refused by a test");
+        }
+    }
+}
+
+std::function<void(GLPlatform::ContextId)> DestroyObserver()
+{
+    return gDestroyObserver;
+}
+#else
+void CountMakeCurrent() {}
+void FailIfInjected() {}
+std::function<void(GLPlatform::ContextId)> DestroyObserver()
+{
+    return {};
+}
+#endif
+
+void MakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read, EGLContext context)
+{
+    CountMakeCurrent();
     if (eglMakeCurrent(display, draw, read, context) != EGL_TRUE) {
         throw GLPlatform::Error(Failure("eglMakeCurrent"));
     }
@@ -323,11 +352,7 @@ std::string GLPlatform::displayDescription()
 GLPlatform::OwnedContext GLPlatform::createContext(const Context* share)
 {
     const DisplayState& state = Display();
-    for (int left = gInjectedFailures.load(); left > 0;) {
-        if (gInjectedFailures.compare_exchange_weak(left, left - 1)) {
-            throw Error("eglCreateContext refused by a test");
-        }
-    }
+    FailIfInjected();
     auto record = std::make_unique<Context>(Context{state.display, EGL_NO_CONTEXT, 0});
     {
         BoundOpenGLApi api;
@@ -353,7 +378,7 @@ void GLPlatform::ContextDeleter::operator()(Context* context) const noexcept
     {
         std::lock_guard<std::mutex> lock(gRegistryMutex);
         if (gRegistry.erase(context->context) > 0) {
-            observer = gDestroyObserver;
+            observer = DestroyObserver();
         }
     }
     if (observer) {
@@ -427,6 +452,7 @@ std::size_t GLPlatform::liveContextCount()
     return gRegistry.size();
 }
 
+#ifdef QUORVEX_GL_INSTRUMENTED
 std::uint64_t GLPlatform::makeCurrentCount()
 {
     return gMakeCurrentCount.load();
@@ -442,5 +468,6 @@ void GLPlatform::setDestroyObserver(std::function<void(ContextId)> observer)
     std::lock_guard<std::mutex> lock(gRegistryMutex);
     gDestroyObserver = std::move(observer);
 }
+#endif
 
 }  // namespace Halvane::Quorvex

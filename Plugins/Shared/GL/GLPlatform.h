@@ -86,14 +86,19 @@ public:
     // arrays, framebuffers) that the share group does not share.
     static ContextId currentContextId();
 
-    // Bookkeeping that tests read.
+    // The contexts this layer made that are alive.
     static std::size_t liveContextCount();
-    static std::uint64_t makeCurrentCount();
 
-    // Test seams: the next `count` creations fail as if EGL had refused them,
-    // and the observer, while set, hears of every context destroyed.
+#ifdef QUORVEX_GL_INSTRUMENTED
+    // Test seams, only in the instrumented build of the library that tests
+    // and benchmarks link (never in the module users load): the count of
+    // context switches, the next `count` creations failing as if EGL had
+    // refused them, and an observer that, while set, hears of every context
+    // destroyed.
+    static std::uint64_t makeCurrentCount();
     static void failNextContextCreations(int count);
     static void setDestroyObserver(std::function<void(ContextId)> observer);
+#endif
 };
 
 }  // namespace Halvane::Quorvex

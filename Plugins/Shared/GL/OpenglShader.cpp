@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 namespace Halvane::Quorvex {
@@ -82,12 +83,7 @@ OpenglShader::OpenglShader(const std::string& vertexSource, const std::string& f
 {
 }
 
-OpenglShader::~OpenglShader()
-{
-    if (mProgram != 0) {
-        glDeleteProgram(mProgram);
-    }
-}
+OpenglShader::~OpenglShader() = default;
 
 void OpenglShader::addAttributeBinding(const std::string& name, int index)
 {
@@ -96,159 +92,145 @@ void OpenglShader::addAttributeBinding(const std::string& name, int index)
 
 void OpenglShader::buildShader()
 {
-    const bool hasGeometry = !mGeometrySource.empty();
-    const GLuint vertex = glCreateShader(GL_VERTEX_SHADER);
-    const GLuint fragment = glCreateShader(GL_FRAGMENT_SHADER);
-    const GLuint geometry = hasGeometry ? glCreateShader(GL_GEOMETRY_SHADER) : 0;
     // A failed attempt is not resumed: the next one makes its own objects, so
     // this one leaves none behind.
-    const auto deleteStages = [&] {
-        glDeleteShader(vertex);
-        glDeleteShader(fragment);
-        if (hasGeometry) {
-            glDeleteShader(geometry);
-        }
-    };
+    const bool hasGeometry = !mGeometrySource.empty();
+    const GLShader vertex = GLShader::adopt(glCreateShader(GL_VERTEX_SHADER));
+    const GLShader fragment = GLShader::adopt(glCreateShader(GL_FRAGMENT_SHADER));
+    const GLShader geometry = GLShader::adopt(hasGeometry ? glCreateShader(GL_GEOMETRY_SHADER) : 0);
 
-    const bool compiled = CompileStage(vertex, mVertexSource, "vert") &&
-                          CompileStage(fragment, mFragmentSource, "frag") &&
-                          (!hasGeometry || CompileStage(geometry, mGeometrySource, "geo"));
+    const bool compiled = CompileStage(vertex.name(), mVertexSource, "vert") &&
+                          CompileStage(fragment.name(), mFragmentSource, "frag") &&
+                          (!hasGeometry || CompileStage(geometry.name(), mGeometrySource, "geo"));
     if (!compiled) {
-        deleteStages();
         return;
     }
 
-    const GLuint program = glCreateProgram();
-    glAttachShader(program, vertex);
-    glAttachShader(program, fragment);
-    if (hasGeometry) {
-        glAttachShader(program, geometry);
+    GLProgram program = GLProgram::generate();
+    for (const GLShader* stage : {&vertex, &fragment, &geometry}) {
+        if (*stage) {
+            glAttachShader(program.name(), stage->name());
+        }
     }
     for (const auto& [name, index] : mAttributeBindings) {
-        glBindAttribLocation(program, static_cast<GLuint>(index), name.c_str());
+        glBindAttribLocation(program.name(), static_cast<GLuint>(index), name.c_str());
     }
-    glLinkProgram(program);
+    glLinkProgram(program.name());
     GLint status = 0;
-    glGetProgramiv(program, GL_LINK_STATUS, &status);
+    glGetProgramiv(program.name(), GL_LINK_STATUS, &status);
     if (status != 1) {
-        DumpProgramError(program);
-        glDeleteProgram(program);
-        deleteStages();
+        DumpProgramError(program.name());
         return;
     }
-
-    mProgram = program;
-    glDetachShader(program, vertex);
-    glDetachShader(program, fragment);
-    glDeleteShader(vertex);
-    glDeleteShader(fragment);
-    if (hasGeometry) {
-        glDetachShader(program, geometry);
-        glDeleteShader(geometry);
+    for (const GLShader* stage : {&vertex, &fragment, &geometry}) {
+        if (*stage) {
+            glDetachShader(program.name(), stage->name());
+        }
     }
+    mProgram = std::move(program);
 }
 
 void OpenglShader::useProgram()
 {
-    if (mProgram == 0) {
+    if (!mProgram) {
         buildShader();
     }
-    glUseProgram(mProgram);
+    glUseProgram(mProgram.name());
 }
 
 int OpenglShader::getUniformLocation(const std::string& name) const
 {
-    return mProgram == 0 ? -1 : glGetUniformLocation(mProgram, name.c_str());
+    return !mProgram ? -1 : glGetUniformLocation(mProgram.name(), name.c_str());
 }
 
 int OpenglShader::getAttributeLocation(const std::string& name) const
 {
-    return glGetAttribLocation(mProgram, name.c_str());
+    return glGetAttribLocation(mProgram.name(), name.c_str());
 }
 
 GLint OpenglShader::attributeLocation(const std::string& name) const
 {
-    return mProgram == 0 ? -1 : glGetAttribLocation(mProgram, name.c_str());
+    return !mProgram ? -1 : glGetAttribLocation(mProgram.name(), name.c_str());
 }
 
 void OpenglShader::setUniform1i(const std::string& name, int v0) const
 {
-    SetUniform(mProgram, name, glUniform1i, v0);
+    SetUniform(mProgram.name(), name, glUniform1i, v0);
 }
 
 void OpenglShader::setUniform2i(const std::string& name, int v0, int v1) const
 {
-    SetUniform(mProgram, name, glUniform2i, v0, v1);
+    SetUniform(mProgram.name(), name, glUniform2i, v0, v1);
 }
 
 void OpenglShader::setUniform3i(const std::string& name, int v0, int v1, int v2) const
 {
-    SetUniform(mProgram, name, glUniform3i, v0, v1, v2);
+    SetUniform(mProgram.name(), name, glUniform3i, v0, v1, v2);
 }
 
 void OpenglShader::setUniform4i(const std::string& name, int v0, int v1, int v2, int v3) const
 {
-    SetUniform(mProgram, name, glUniform4i, v0, v1, v2, v3);
+    SetUniform(mProgram.name(), name, glUniform4i, v0, v1, v2, v3);
 }
 
 void OpenglShader::setUniform1f(const std::string& name, float v0) const
 {
-    SetUniform(mProgram, name, glUniform1f, v0);
+    SetUniform(mProgram.name(), name, glUniform1f, v0);
 }
 
 void OpenglShader::setUniform2f(const std::string& name, float v0, float v1) const
 {
-    SetUniform(mProgram, name, glUniform2f, v0, v1);
+    SetUniform(mProgram.name(), name, glUniform2f, v0, v1);
 }
 
 void OpenglShader::setUniform3f(const std::string& name, float v0, float v1, float v2) const
 {
-    SetUniform(mProgram, name, glUniform3f, v0, v1, v2);
+    SetUniform(mProgram.name(), name, glUniform3f, v0, v1, v2);
 }
 
 void OpenglShader::setUniform4f(const std::string& name, float v0, float v1, float v2, float v3) const
 {
-    SetUniform(mProgram, name, glUniform4f, v0, v1, v2, v3);
+    SetUniform(mProgram.name(), name, glUniform4f, v0, v1, v2, v3);
 }
 
 void OpenglShader::setUniform1iv(const std::string& name, const int* values, int count) const
 {
-    SetUniform(mProgram, name, glUniform1iv, count, values);
+    SetUniform(mProgram.name(), name, glUniform1iv, count, values);
 }
 
 void OpenglShader::setUniform2iv(const std::string& name, const int* values, int count) const
 {
-    SetUniform(mProgram, name, glUniform2iv, count, values);
+    SetUniform(mProgram.name(), name, glUniform2iv, count, values);
 }
 
 void OpenglShader::setUniform3iv(const std::string& name, const int* values, int count) const
 {
-    SetUniform(mProgram, name, glUniform3iv, count, values);
+    SetUniform(mProgram.name(), name, glUniform3iv, count, values);
 }
 
 void OpenglShader::setUniform4iv(const std::string& name, const int* values, int count) const
 {
-    SetUniform(mProgram, name, glUniform4iv, count, values);
+    SetUniform(mProgram.name(), name, glUniform4iv, count, values);
 }
 
 void OpenglShader::setUniform1fv(const std::string& name, const float* values, int count) const
 {
-    SetUniform(mProgram, name, glUniform1fv, count, values);
+    SetUniform(mProgram.name(), name, glUniform1fv, count, values);
 }
 
 void OpenglShader::setUniform2fv(const std::string& name, const float* values, int count) const
 {
-    SetUniform(mProgram, name, glUniform2fv, count, values);
+    SetUniform(mProgram.name(), name, glUniform2fv, count, values);
 }
 
 void OpenglShader::setUniform3fv(const std::string& name, const float* values, int count) const
 {
-    SetUniform(mProgram, name, glUniform3fv, count, values);
+    SetUniform(mProgram.name(), name, glUniform3fv, count, values);
 }
 
 void OpenglShader::setUniform4fv(const std::string& name, const float* values, int count) const
 {
-    SetUniform(mProgram, name, glUniform4fv, count, values);
+    SetUniform(mProgram.name(), name, glUniform4fv, count, values);
 }
 
 void OpenglShader::setUniform2f(const std::string& name, const Vec2& value) const
@@ -284,7 +266,7 @@ void OpenglShader::setUniformMatrix3f(const std::string& name, const Affine* mat
             columns.push_back(static_cast<float>(value));
         }
     }
-    SetUniform(mProgram, name, glUniformMatrix3fv, count, GL_FALSE, static_cast<const GLfloat*>(columns.data()));
+    SetUniform(mProgram.name(), name, glUniformMatrix3fv, count, GL_FALSE, static_cast<const GLfloat*>(columns.data()));
 }
 
 void OpenglShader::setUniformMatrix4f(const std::string& name, const Mat4& matrix, int count) const
@@ -292,13 +274,13 @@ void OpenglShader::setUniformMatrix4f(const std::string& name, const Mat4& matri
     GLfloat elements[16];
     std::transform(std::begin(matrix.elements), std::end(matrix.elements), elements,
                    [](double value) { return static_cast<GLfloat>(value); });
-    SetUniform(mProgram, name, glUniformMatrix4fv, std::min(count, 1), GL_FALSE,
+    SetUniform(mProgram.name(), name, glUniformMatrix4fv, std::min(count, 1), GL_FALSE,
                static_cast<const GLfloat*>(elements));
 }
 
 void OpenglShader::setUniformTexture(const std::string& name, int target, int texture, int unit) const
 {
-    if (mProgram == 0) {
+    if (!mProgram) {
         return;
     }
     glActiveTexture(static_cast<GLenum>(static_cast<unsigned int>(GL_TEXTURE0) + static_cast<unsigned int>(unit)));
@@ -321,7 +303,7 @@ void OpenglShader::pointNamedAttribute(const std::string& name, GLint size, cons
 
 void OpenglShader::setAttribute1iv(int index, const int* data, int stride) const
 {
-    if (index != -1 && mProgram != 0) {
+    if (index != -1 && mProgram) {
         pointAttribute(index, 1, GL_INT, data, stride);
     }
 }
@@ -333,7 +315,7 @@ void OpenglShader::setAttribute1fv(const std::string& name, const float* data, i
 
 void OpenglShader::setAttribute1fv(int index, const float* data, int stride) const
 {
-    if (index != -1 && mProgram != 0) {
+    if (index != -1 && mProgram) {
         pointAttribute(index, 1, GL_FLOAT, data, stride);
     }
 }
@@ -345,7 +327,7 @@ void OpenglShader::setAttribute2fv(const std::string& name, const float* data, i
 
 void OpenglShader::setAttribute2fv(int index, const float* data, int stride) const
 {
-    if (mProgram != 0) {
+    if (mProgram) {
         pointAttribute(index, 2, GL_FLOAT, data, stride);
     }
 }
@@ -357,7 +339,7 @@ void OpenglShader::setAttribute3fv(const std::string& name, const float* data, i
 
 void OpenglShader::setAttribute3fv(int index, const float* data, int stride) const
 {
-    if (mProgram != 0) {
+    if (mProgram) {
         pointAttribute(index, 3, GL_FLOAT, data, stride);
     }
 }
@@ -369,7 +351,7 @@ void OpenglShader::setAttribute4fv(const std::string& name, const float* data, i
 
 void OpenglShader::setAttribute4fv(int index, const float* data, int stride) const
 {
-    if (index != -1 && mProgram != 0) {
+    if (index != -1 && mProgram) {
         pointAttribute(index, 4, GL_FLOAT, data, stride);
     }
 }
@@ -383,7 +365,7 @@ void OpenglShader::disableVertexAttributeArray(const std::string& name) const
 
 void OpenglShader::disableVertexAttributeArray(int index) const
 {
-    if (mProgram != 0) {
+    if (mProgram) {
         glDisableVertexAttribArray(static_cast<GLuint>(index));
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "GL/GLObject.h"
+
 #include <glbinding/gl/types.h>
 
 #include <map>
@@ -98,7 +100,7 @@ public:
     void disableVertexAttributeArray(int index) const;
 
     // The GL program name; 0 until a build succeeds.
-    gl::GLuint program() const { return mProgram; }
+    gl::GLuint program() const { return mProgram.name(); }
 
 private:
     // The location of attribute `name`, or -1 when unbuilt or absent.
@@ -110,7 +112,7 @@ private:
     std::string mVertexSource;
     std::string mFragmentSource;
     std::string mGeometrySource;
-    gl::GLuint mProgram = 0;
+    GLProgram mProgram;
     std::map<std::string, int> mAttributeBindings;
 };
 

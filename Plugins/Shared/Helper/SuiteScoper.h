@@ -7,7 +7,8 @@
 namespace Halvane::Quorvex {
 
 // Acquires the suite for a SuiteScoper and throws A_Err_MISSING_SUITE (an int)
-// when the host says no. With `out_data` given, the host is also asked to show
+// when the host says no (it reaches the host as 516 through EntryPointFunc).
+// With `out_data` given, the host is also asked to show
 // `error_text` (or a stock text) to the user.
 const void* AcquireScopedSuite(SPBasicSuite* basic, const char* suite_name, int suite_version,
                                const PF_InData* in_data, PF_OutData* out_data,

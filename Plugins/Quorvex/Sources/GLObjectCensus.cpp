@@ -1,4 +1,4 @@
-#include "GL/GLObjectCensus.h"
+#include "GLObjectCensus.h"
 
 #include <glbinding/gl/gl.h>
 
@@ -37,24 +37,19 @@ GLuint FreshName(Generate generate, Delete remove)
 
 }  // namespace
 
-GLObjectCensus GLObjectCensus::take()
+void GLObjectCensus::take(QuorvexLiveObjects& objects)
 {
-    GLObjectCensus census;
-    census.mTextures = CountNames(FreshName(glGenTextures, glDeleteTextures), glIsTexture);
-    census.mRenderbuffers =
-        CountNames(FreshName(glGenRenderbuffers, glDeleteRenderbuffers), glIsRenderbuffer);
-    census.mBuffers = CountNames(FreshName(glGenBuffers, glDeleteBuffers), glIsBuffer);
-    census.mFramebuffers =
-        CountNames(FreshName(glGenFramebuffers, glDeleteFramebuffers), glIsFramebuffer);
-    census.mVertexArrays =
-        CountNames(FreshName(glGenVertexArrays, glDeleteVertexArrays), glIsVertexArray);
+    objects.mTextures = CountNames(FreshName(glGenTextures, glDeleteTextures), glIsTexture);
+    objects.mRenderbuffers = CountNames(FreshName(glGenRenderbuffers, glDeleteRenderbuffers), glIsRenderbuffer);
+    objects.mBuffers = CountNames(FreshName(glGenBuffers, glDeleteBuffers), glIsBuffer);
+    objects.mFramebuffers = CountNames(FreshName(glGenFramebuffers, glDeleteFramebuffers), glIsFramebuffer);
+    objects.mVertexArrays = CountNames(FreshName(glGenVertexArrays, glDeleteVertexArrays), glIsVertexArray);
 
     // Programs and shaders share one namespace.
     const GLuint freshProgram = glCreateProgram();
     glDeleteProgram(freshProgram);
-    census.mPrograms = CountNames(freshProgram, glIsProgram);
-    census.mShaders = CountNames(freshProgram, glIsShader);
-    return census;
+    objects.mPrograms = CountNames(freshProgram, glIsProgram);
+    objects.mShaders = CountNames(freshProgram, glIsShader);
 }
 
 }  // namespace Halvane::Quorvex
