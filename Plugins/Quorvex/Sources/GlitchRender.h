@@ -28,6 +28,14 @@ public:
     // read last, with the context of the frame current and its target open.
     void draw(PF_InData* in_data, PF_LayerDef* world, unsigned int texture, float multiplier);
 
+    // Forgets the programs, buffers and vertex arrays without deleting them,
+    // so that the renderer can go with no context of its own current.
+    void abandonGLNames() noexcept
+    {
+        mBlockPass.abandonGLNames();
+        mBadTVPass.abandonGLNames();
+    }
+
 private:
     int mGlitchType = 0;
     float mSpeed = 0.0f;

@@ -29,11 +29,18 @@ AEGP_PluginID mPluginID = 0;
 std::unique_ptr<GlitchRender> mRender = std::make_unique<GlitchRender>();
 
 // Unloaded without set-down, the module must not delete GL names in whatever
-// context is current then (it may be the host's): the renderer is left to
-// the process, as the driver frees its objects with their contexts.
-struct LeaveRendererAtUnload {
-    ~LeaveRendererAtUnload() { static_cast<void>(mRender.release()); }
-} gLeaveRendererAtUnload;
+// context is current then (it may be the host's): the renderer forgets them,
+// as the driver frees its objects with their contexts, and only its memory
+// goes.
+struct LeaveGLNamesAtUnload {
+    ~LeaveGLNamesAtUnload()
+    {
+        if (mRender) {
+            mRender->abandonGLNames();
+            mRender.reset();
+        }
+    }
+} gLeaveGLNamesAtUnload;
 
 // Set-down deletes the renderer; a later set-up or frame in the same process
 // makes it again.

@@ -51,6 +51,15 @@ FullScreenPass::~FullScreenPass()
     }
 }
 
+void FullScreenPass::abandonGLNames() noexcept
+{
+    mShader.abandonGLNames();
+    for (auto& entry : mVertexArrays) {
+        static_cast<void>(entry.second.release());
+    }
+    static_cast<void>(mVertexBuffer.release());
+}
+
 void FullScreenPass::draw(GLuint texture, float multiplier, const UniformSetter& moreUniforms)
 {
     GLVertexArray& vertexArray = mVertexArrays[GLPlatform::currentContextId()];

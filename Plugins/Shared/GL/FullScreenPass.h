@@ -42,6 +42,9 @@ public:
     // or enabled; the pass's program stays current.
     void draw(gl::GLuint texture, float multiplier, const UniformSetter& moreUniforms = {});
 
+    // Forgets every GL name without deleting it (see OpenglShader).
+    void abandonGLNames() noexcept;
+
 private:
     OpenglShader mShader;
     std::map<GLPlatform::ContextId, GLVertexArray> mVertexArrays;

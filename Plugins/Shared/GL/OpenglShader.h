@@ -102,6 +102,10 @@ public:
     // The GL program name; 0 until a build succeeds.
     gl::GLuint program() const { return mProgram.name(); }
 
+    // Forgets the program without deleting it, for a caller that cannot know
+    // which context is current (a module unloaded without set-down).
+    void abandonGLNames() noexcept { static_cast<void>(mProgram.release()); }
+
 private:
     // The location of attribute `name`, or -1 when unbuilt or absent.
     gl::GLint attributeLocation(const std::string& name) const;
