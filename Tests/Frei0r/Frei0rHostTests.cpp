@@ -32,20 +32,7 @@ const Glitch kBadTV{"BadTV", "0.5", "0.5", "badtv", "1.5"};
 
 enum class Host { Ffmpeg, Melt, MeltFrameThreads, GStreamer };
 
-const char* HostName(Host host)
-{
-    switch (host) {
-    case Host::Ffmpeg:
-        return "ffmpeg";
-    case Host::Melt:
-        return "melt";
-    case Host::MeltFrameThreads:
-        return "melt real_time=-2";
-    case Host::GStreamer:
-        return "gst-launch-1.0";
-    }
-    return "";
-}
+const char* const kHostNames[] = {"ffmpeg", "melt", "melt real_time=-2", "gst-launch-1.0"};
 
 std::uint8_t ClipSample(int frame, int x, int y, int c)
 {
@@ -77,7 +64,7 @@ protected:
     }
 
     // Runs the host on the clip with the test's glitch; the frames it wrote.
-    std::vector<std::vector<std::uint8_t>> renderInHost(Host host)
+    RawFrames renderInHost(Host host)
     {
         const std::string in = path("clip.mkv");
         const std::string out = path("out.rgba");
@@ -113,13 +100,13 @@ protected:
         return readRawFrames(out, kWidth, kHeight);
     }
 
-    std::vector<std::vector<std::uint8_t>> mReference;
+    RawFrames mReference;
 };
 
 TEST_P(Frei0rHostsTest, EveryFrameIsTheFrameOfQuorvexRender)
 {
     for (const Host host : {Host::Ffmpeg, Host::Melt, Host::MeltFrameThreads, Host::GStreamer}) {
-        SCOPED_TRACE(HostName(host));
+        SCOPED_TRACE(kHostNames[static_cast<int>(host)]);
         EXPECT_TRUE(FramesAgree(renderInHost(host), mReference, kWidth, 1));
     }
 }

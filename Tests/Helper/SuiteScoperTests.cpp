@@ -98,22 +98,21 @@ TEST_F(SuiteAccessTest, StatusFormsReportAMissingBasicSuite)
 {
     in_data.pica_basicP = nullptr;
     void* suite = nullptr;
-    EXPECT_EQ(AcquireSuite(&in_data, &out_data, "PF ANSI Suite", 1, nullptr, &suite),
-              PF_Err_BAD_CALLBACK_PARAM);
-    EXPECT_TRUE(showsError());
-    EXPECT_STREQ(out_data.return_msg, "Not able to acquire AEFX Suite-PF ANSI Suite-1");
-
-    EXPECT_EQ(AcquireSuite(&in_data, &out_data, "PF ANSI Suite", 1, "custom", &suite),
-              PF_Err_BAD_CALLBACK_PARAM);
-    EXPECT_STREQ(out_data.return_msg, "custom");
-
-    EXPECT_EQ(ReleaseSuite(&in_data, &out_data, "PF ANSI Suite", 1, nullptr),
-              PF_Err_BAD_CALLBACK_PARAM);
-    EXPECT_STREQ(out_data.return_msg, "Not able to release AEFX Suite.");
-    EXPECT_EQ(ReleaseSuite(&in_data, &out_data, "PF ANSI Suite", 1, "gone"),
-              PF_Err_BAD_CALLBACK_PARAM);
-    EXPECT_STREQ(out_data.return_msg, "gone");
-
+    struct Case {
+        bool acquire;
+        const char* given;
+        const char* shown;
+    };
+    for (const Case& c : {Case{true, nullptr, "Not able to acquire AEFX Suite-PF ANSI Suite-1"},
+                          Case{true, "custom", "custom"}, Case{false, nullptr, "Not able to release AEFX Suite."},
+                          Case{false, "gone", "gone"}}) {
+        out_data.out_flags = 0;
+        EXPECT_EQ(c.acquire ? AcquireSuite(&in_data, &out_data, "PF ANSI Suite", 1, c.given, &suite)
+                            : ReleaseSuite(&in_data, &out_data, "PF ANSI Suite", 1, c.given),
+                  PF_Err_BAD_CALLBACK_PARAM);
+        EXPECT_TRUE(showsError());
+        EXPECT_STREQ(out_data.return_msg, c.shown);
+    }
     std::strcpy(out_data.return_msg, "before");
     EXPECT_EQ(ReleaseDrawbotSuites(&in_data, &out_data), PF_Err_NONE);
     EXPECT_STREQ(out_data.return_msg, "Not able to release AEFX Suite.");
