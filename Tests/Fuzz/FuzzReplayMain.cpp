@@ -10,34 +10,25 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-namespace {
-
-void Replay(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-}
-
-}  // namespace
-
 int main(int argc, char** argv)
 {
-    std::size_t replayed = 0;
+    std::vector<std::filesystem::path> files;
     for (int i = 1; i < argc; ++i) {
-        const std::filesystem::path path(argv[i]);
-        if (!std::filesystem::is_directory(path)) {
-            Replay(path);
-            ++replayed;
+        if (!std::filesystem::is_directory(argv[i])) {
+            files.emplace_back(argv[i]);
             continue;
         }
-        for (const auto& entry : std::filesystem::directory_iterator(path)) {
+        for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
             if (entry.is_regular_file()) {
-                Replay(entry.path());
-                ++replayed;
+                files.push_back(entry.path());
             }
         }
     }
-    std::printf("replayed %zu inputs\n", replayed);
-    return replayed > 0 ? 0 : 1;
+    for (const std::filesystem::path& file : files) {
+        std::ifstream stream(file, std::ios::binary);
+        const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    }
+    std::printf("replayed %zu inputs\n", files.size());
+    return files.empty() ? 1 : 0;
 }
