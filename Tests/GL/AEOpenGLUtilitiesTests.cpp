@@ -169,6 +169,9 @@ struct HostFailure {
     HostCall call;
     A_long status;
     int thrown;
+    // Row padding of the world; rows a whole number of pixels apart are read
+    // back straight into it, other ones through the host's staging handle.
+    A_long padding = 8;
 };
 
 class HostFailureTest : public UtilitiesTest, public ::testing::WithParamInterface<HostFailure> {};
@@ -176,7 +179,7 @@ class HostFailureTest : public UtilitiesTest, public ::testing::WithParamInterfa
 TEST_P(HostFailureTest, ThrowsTheHostsNumberGivesEverythingBackAndWritesNothing)
 {
     const HostFailure failure = GetParam();
-    World world(3, 2, failure.format, 8);
+    World world(3, 2, failure.format, failure.padding);
     HostPixels::fill(world, Pattern);
     const std::vector<unsigned char> before = HostPixels::bytes(world);
     if (!failure.upload) {
@@ -203,7 +206,7 @@ INSTANTIATE_TEST_SUITE_P(
         HostFailure{"UploadPixelData16", PF_PixelFormat_ARGB64, true, HostCall::GetPixelData, 44, 44},
         HostFailure{"DownloadIterate", PF_PixelFormat_ARGB128, false, HostCall::Iterate, 45, 45},
         HostFailure{"DownloadPixelData", PF_PixelFormat_ARGB64, false, HostCall::GetPixelData, 46, 46},
-        HostFailure{"DownloadHandle", PF_PixelFormat_ARGB128, false, HostCall::NewHandle, 1, PF_Err_OUT_OF_MEMORY}),
+        HostFailure{"DownloadHandle", PF_PixelFormat_ARGB32, false, HostCall::NewHandle, 1, PF_Err_OUT_OF_MEMORY, 2}),
     [](const auto& test) { return std::string(test.param.what); });
 
 // The frame a download reads may be smaller than the input the host

@@ -7,6 +7,7 @@
 #include "GL/AEOpenGLUtilities.h"
 #include "GL/AEOpenglMainFrameBuffer.h"
 #include "GL/FrameHooks.h"
+#include "GL/PackedFloatFrame.h"
 #include "GL/SaveRestoreGLContextMac.h"
 #include "GlitchRender.h"
 #include "HostWorldCheck.h"
@@ -142,6 +143,7 @@ PF_Err GlobalSetdown(PF_InData* in_data, PF_OutData* out_data)
     }
     AEOpenglMainFrameBuffer::mainFrameBuffer()->destory();
     mRender.reset();
+    PackedFloatFrame::release();
     AEOpenGLContextManager::releaseContextManager();
     saver.restore();
 

@@ -3,6 +3,7 @@
 #include "EffectSuites.h"
 #include "GL/FrameHooks.h"
 #include "GL/GLObject.h"
+#include "GL/PackedFloatFrame.h"
 #include "Helper/SuiteScoper.h"
 
 #include <glbinding/gl/gl.h>
@@ -11,7 +12,7 @@
 #include <cstdio>
 #include <cstring>
 #include <iostream>
-#include <vector>
+#include <optional>
 
 namespace Halvane::Quorvex {
 
@@ -127,7 +128,7 @@ struct HostRows {
     const PixelDepth& depth;
     const unsigned char* pixels = nullptr;
     std::size_t rowBytes = 0;
-    std::vector<PF_PixelFloat> packed;
+    std::optional<PackedFloatFrame::Lease> packed;
 };
 
 // Hands the rows to the bound texture, then unbinds it. GL counts a row
@@ -165,16 +166,17 @@ PF_PixelFloat* PackedPixel(void* refcon, A_long x, A_long y)
 HostRows GatherRows(int format, PF_LayerDef* input, PF_InData* in_data, unsigned long& pixelSize,
                     GLenum& glType, float& multiplier)
 {
-    HostRows rows{DepthOf(format), nullptr, 0, {}};
+    HostRows rows{DepthOf(format), nullptr, 0, std::nullopt};
     RefuseOversizeFrame(input->width, input->height);
     pixelSize = rows.depth.pixelSize;
     glType = rows.depth.glType;
     multiplier = rows.depth.multiplier;
     if (rows.depth.format == PF_PixelFormat_ARGB128) {
-        rows.packed.resize(static_cast<std::size_t>(input->width) * static_cast<std::size_t>(input->height));
-        AEOpenGLUtilities::FloatCopyContext context{rows.packed.data(), input};
+        rows.packed = PackedFloatFrame::lease(static_cast<std::size_t>(input->width) *
+                                              static_cast<std::size_t>(input->height));
+        AEOpenGLUtilities::FloatCopyContext context{rows.packed->pixels(), input};
         IterateFloat(in_data, input, context, AEOpenGLUtilities::CopyPixelFloatIn, input);
-        rows.pixels = reinterpret_cast<const unsigned char*>(rows.packed.data());
+        rows.pixels = reinterpret_cast<const unsigned char*>(rows.packed->pixels());
         rows.rowBytes = static_cast<std::size_t>(input->width) * rows.depth.pixelSize;
     } else {
         rows.pixels = PixelData(in_data, input, rows.depth);
@@ -242,23 +244,28 @@ void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height,
         return;
     }
 
-    SuiteScoper<PF_HandleSuite1> handleSuite(in_data, kPFHandleSuite, 2);
-    const LockedHandle staging(*handleSuite.get(), bytes);
     glReadBuffer(GL_COLOR_ATTACHMENT0);
-    glReadPixels(0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGBA, depth.glType,
-                 staging.data());
-
     if (depth.format == PF_PixelFormat_ARGB128) {
+        // Float rows go through the host's iterate, from the packed buffer that
+        // the upload filled and that stays between frames.
+        const PackedFloatFrame::Lease staging = PackedFloatFrame::lease(static_cast<std::size_t>(width) * height);
+        glReadPixels(0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGBA, depth.glType,
+                     staging.pixels());
         // The pixel functions see the frame's size, so that no output pixel
         // beyond it reads past the staging rows.
         PF_LayerDef frame = *input;
         frame.width = static_cast<A_long>(width);
         frame.height = static_cast<A_long>(height);
-        FloatCopyContext context{reinterpret_cast<PF_PixelFloat*>(staging.data()), &frame};
+        FloatCopyContext context{staging.pixels(), &frame};
         IterateFloat(in_data, input, context, CopyPixelFloatOut, output);
         NotifyFrameEvent(FrameEvent::OutputRead);
         return;
     }
+
+    SuiteScoper<PF_HandleSuite1> handleSuite(in_data, kPFHandleSuite, 2);
+    const LockedHandle staging(*handleSuite.get(), bytes);
+    glReadPixels(0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGBA, depth.glType,
+                 staging.data());
     const A_long rows = std::min<A_long>(output->height, static_cast<A_long>(height));
     const std::size_t rowBytes =
         static_cast<std::size_t>(std::clamp<A_long>(output->width, 0, static_cast<A_long>(width))) * depth.pixelSize;
