@@ -243,6 +243,31 @@ TEST_F(MainFrameBufferTest, RenderTexturesAreEmptyAndSizedByTheFrameOrByAVectorT
     glDeleteTextures(1, &floats);
 }
 
+// The final pass turns premultiplied RGBA into the host's straight A, R, G, B
+// scaled to its white; a float frame shows it unclamped and unrounded.
+TEST_F(MainFrameBufferTest, TheFinalPassUnpremultipliesPutsAlphaFirstAndDividesByTheMultiplier)
+{
+    // Transparent with colour left in it, half transparent, opaque.
+    const std::vector<std::vector<float>> painted = {{0.3f, 0.6f, 0.9f, 0.0f}, {0.1f, 0.2f, 0.3f, 0.5f}, {1, 1, 1, 1}};
+    const std::vector<std::vector<float>> stored = {{0, 0, 0, 0}, {0.5f, 0.2f, 0.4f, 0.6f}, {1, 1, 1, 1}};
+    frame().prepare(2, 2, false, GL_RGBA32F);
+    for (const float multiplier : {1.0f, AEOpenGLUtilities::kMultiplier16bit}) {
+        for (std::size_t k = 0; k < painted.size(); ++k) {
+            SCOPED_TRACE(std::to_string(multiplier) + " case " + std::to_string(k));
+            frame().beginDrawing();
+            paint(painted[k][0], painted[k][1], painted[k][2], painted[k][3]);
+            frame().endDrawing(multiplier);
+            std::vector<float> read(16);
+            glReadPixels(0, 0, 2, 2, GL_RGBA, GL_FLOAT, read.data());
+            std::vector<float> expected = stored[k];
+            for (float& value : expected) {
+                value /= multiplier;
+            }
+            EXPECT_THAT(read, Pointwise(FloatNear(1e-6f), solid(4, expected)));
+        }
+    }
+}
+
 TEST_F(MainFrameBufferTest, AFrameIsDrawnMultisampledAndEndsWithNothingEnabledOrBound)
 {
     frame().prepare(2, 2, true);

@@ -177,25 +177,16 @@ std::vector<ModelPixel> GlitchModel::badTV(const BadTVRandoms& randoms, float iT
             const float periods = rnd > 0.0f ? y / rnd : 0.0f;
             const bool certain = rnd == 0.0f || (std::fabs(Mod(y, rnd) - rnd / 8.0f) > kBoundaryMargin * rnd &&
                                                  std::fabs(periods - std::nearbyint(periods)) > kBoundaryMargin);
-            Vec4 colour;
-            if (rnd > 0.0f && Mod(y, rnd) > rnd / 8.0f) {
-                const float of = std::sin(y / rnd * iTime) * rnd * 2.0f;
-                const float u2 = (x + of) / width;
-                const float v2 = (y + of / 2.0f) / height;
-                const float tear = of * rnd * 0.005f;
-                colour = sample(u2, v2);
-                colour[0] *= sample(u2 + tear, v2)[0];
-                colour[1] *= sample(u2, v2)[1];
-                colour[2] *= sample(u2 - tear, v2)[2];
-            } else {
-                const float u2 = (x - rnd * 4.0f) / width;
-                const float v2 = (y + rnd / 2.0f) / height;
-                const float tear = rnd * 0.05f;
-                colour = sample(u2, v2);
-                colour[0] *= sample(u2 + tear, v2)[0];
-                colour[1] *= sample(u2, v2)[1];
-                colour[2] *= sample(u2 - tear, v2)[2];
-            }
+            // Banded rows shift by a wave, the gap rows by rnd itself.
+            const bool banded = rnd > 0.0f && Mod(y, rnd) > rnd / 8.0f;
+            const float of = banded ? std::sin(y / rnd * iTime) * rnd * 2.0f : 0.0f;
+            const float u2 = (banded ? x + of : x - rnd * 4.0f) / width;
+            const float v2 = (banded ? y + of / 2.0f : y + rnd / 2.0f) / height;
+            const float tear = banded ? of * rnd * 0.005f : rnd * 0.05f;
+            Vec4 colour = sample(u2, v2);
+            colour[0] *= sample(u2 + tear, v2)[0];
+            colour[1] *= sample(u2, v2)[1];
+            colour[2] *= sample(u2 - tear, v2)[2];
             frame.push_back(finish(Scale(colour, 1.5f), certain));
         }
     }

@@ -47,9 +47,6 @@ public:
     std::vector<ModelPixel> blockGlitch(const BlockGlitchRandoms& randoms) const;
     std::vector<ModelPixel> badTV(const BadTVRandoms& randoms, float iTime) const;
 
-    // multiplier16bit of the depth: 65535/32768 at 16 bits, else 1.
-    float multiplier() const { return mMultiplier; }
-
 private:
     using Vec4 = std::array<float, 4>;
 

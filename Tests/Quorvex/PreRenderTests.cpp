@@ -20,20 +20,17 @@ protected:
     const Host::FrameTime time{90, 3, 30};
 };
 
-TEST_F(PreRenderTest, TheInputIsRequestedUnchangedAtTheFramesTime)
+TEST_F(PreRenderTest, TheInputIsRequestedUnchangedAtTheFramesTimeAndOnlyTheRectsAreWritten)
 {
     PF_PreRenderOutput result{};
     ASSERT_EQ(session.smartPreRender(PF_LRect{-5, 3, 70, 20}, time, result, 16), PF_Err_NONE);
     const auto checkout = host.lastLayerCheckout();
-    EXPECT_EQ(checkout.index, 0);
-    EXPECT_EQ(checkout.checkoutId, 0);
+    EXPECT_EQ(std::vector<long>({checkout.index, checkout.checkoutId, checkout.request.field,
+                                 checkout.request.channel_mask, checkout.time.value, checkout.time.step,
+                                 static_cast<long>(checkout.time.scale)}),
+              std::vector<long>({0, 0, PF_Field_FRAME, PF_ChannelMask_ARGB, 90, 3, 30}));
     EXPECT_EQ(checkout.request.rect, (PF_LRect{-5, 3, 70, 20}));
-    EXPECT_EQ(checkout.request.field, PF_Field_FRAME);
-    EXPECT_EQ(checkout.request.channel_mask, PF_ChannelMask_ARGB);
-    EXPECT_EQ(checkout.time.value, 90);
-    EXPECT_EQ(checkout.time.step, 3);
-    EXPECT_EQ(checkout.time.scale, 30u);
-    // Nothing but the rectangles, as the host clipped them, is written.
+    // As the host clipped them.
     EXPECT_EQ(result.result_rect, (PF_LRect{0, 3, 64, 20}));
     EXPECT_EQ(result.max_result_rect, (PF_LRect{0, 0, 64, 48}));
     EXPECT_EQ(result.solid, 0);
@@ -41,7 +38,7 @@ TEST_F(PreRenderTest, TheInputIsRequestedUnchangedAtTheFramesTime)
     EXPECT_EQ(result.delete_pre_render_data_func, nullptr);
 }
 
-TEST_F(PreRenderTest, EachRectIsTheUnionOfWhatItHeldAndWhatTheCheckoutGives)
+TEST_F(PreRenderTest, EachRectIsTheUnionOfWhatItHeldAndWhatTheCheckoutGivesUnlessTheCheckoutFails)
 {
     struct Case {
         const char* what;
@@ -66,10 +63,7 @@ TEST_F(PreRenderTest, EachRectIsTheUnionOfWhatItHeldAndWhatTheCheckoutGives)
         EXPECT_EQ(result.result_rect, c.after) << c.what;
         EXPECT_EQ(result.max_result_rect, c.after) << c.what;
     }
-}
 
-TEST_F(PreRenderTest, AFailingCheckoutReturnsItsStatusAndLeavesTheRects)
-{
     host.failures().fail(HostCall::CheckoutLayer, PF_Interrupt_CANCEL);
     PF_PreRenderOutput result{};
     result.result_rect = PF_LRect{1, 2, 3, 4};
