@@ -112,24 +112,29 @@ TEST_F(MainFrameBufferTest, PrepareMakesTargetsOnlyWhenTheSizeOrFormatChanges)
     }
 }
 
-TEST_F(MainFrameBufferTest, APushAndAPopHandBackWhatWasDrawnAndLeaveTheStackAsItWas)
+TEST_F(MainFrameBufferTest, APopHandsBackWhatWasDrawnAndBringsTheLowerLevelBackUnchanged)
 {
     for (const bool multisample : {true, false}) {
         SCOPED_TRACE(multisample ? "multisampled" : "single-sampled");
         frame().prepare(multisample ? 3 : 5, 2, multisample, GL_RGBA16);
+        const std::size_t pixels = multisample ? 6 : 10;
         frame().pushRenderContext(false, false);
-        const GLuint level = frame().renderBufferStack().back();
-        EXPECT_EQ(renderbufferValue(level, GL_RENDERBUFFER_SAMPLES), multisample ? frame().sampleCount() : 0);
-        paint(0.25f, 0.5f, 0.75f, 1.0f);
+        paint(1.0f, 0.0f, 0.0f, 1.0f);
+        const GLuint lower = frame().renderBufferStack().back();
+        frame().pushRenderContext(true, false);
+        const GLuint upper = frame().renderBufferStack().back();
+        EXPECT_EQ(renderbufferValue(upper, GL_RENDERBUFFER_SAMPLES), multisample ? frame().sampleCount() : 0);
+        paint(0.25f, 0.5f, 0.75f, 0.5f);
 
         const GLuint texture = frame().popRenderContext();
 
-        ASSERT_NE(texture, 0u);
-        EXPECT_THAT(frame().renderBufferStack(), IsEmpty());
-        EXPECT_EQ(glIsRenderbuffer(level), GL_FALSE);
+        EXPECT_EQ(glIsRenderbuffer(upper), GL_FALSE);
         EXPECT_EQ(layout(texture)[0], static_cast<GLint>(GL_RGBA16));
-        EXPECT_THAT(takeTexture(texture),
-                    Pointwise(FloatNear(1e-4f), solid(multisample ? 6 : 10, {0.25f, 0.5f, 0.75f, 1.0f})));
+        EXPECT_THAT(takeTexture(texture), Pointwise(FloatNear(1e-4f), solid(pixels, {0.25f, 0.5f, 0.75f, 0.5f})));
+        EXPECT_THAT(frame().renderBufferStack(), ElementsAre(lower));
+        EXPECT_EQ(attachment(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0), static_cast<GLint>(lower));
+        EXPECT_THAT(takeTexture(frame().popRenderContext()), Pointwise(FloatNear(0.0f), solid(pixels, {1, 0, 0, 1})));
+        EXPECT_THAT(frame().renderBufferStack(), IsEmpty());
     }
     EXPECT_GT(frame().sampleCount(), 0);
     EXPECT_LE(frame().sampleCount(), 8);
@@ -141,22 +146,6 @@ TEST_F(MainFrameBufferTest, APushAndAPopHandBackWhatWasDrawnAndLeaveTheStackAsIt
     frame().endDrawing(1.0f);
     EXPECT_EQ(liveObjects(), before);
     EXPECT_EQ(integer(GL_DRAW_FRAMEBUFFER_BINDING), bound);
-}
-
-TEST_F(MainFrameBufferTest, ClosingAnUpperLevelBringsTheLowerOneBackUnchanged)
-{
-    frame().prepare(2, 2, true);
-    frame().pushRenderContext(false, false);
-    paint(1.0f, 0.0f, 0.0f, 1.0f);
-    const GLuint lower = frame().renderBufferStack().back();
-    frame().pushRenderContext(true, false);
-    paint(0.0f, 0.0f, 1.0f, 0.5f);
-
-    EXPECT_THAT(takeTexture(frame().popRenderContext()),
-                Pointwise(FloatNear(0.01f), solid(4, {0.0f, 0.0f, 1.0f, 0.5f})));
-    EXPECT_THAT(frame().renderBufferStack(), ElementsAre(lower));
-    EXPECT_EQ(attachment(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0), static_cast<GLint>(lower));
-    EXPECT_THAT(takeTexture(frame().popRenderContext()), Pointwise(FloatNear(0.0f), solid(4, {1, 0, 0, 1})));
 }
 
 TEST_F(MainFrameBufferTest, AStencilLevelOwnsTwoRenderbuffersAndGivesBothUp)
@@ -190,27 +179,7 @@ TEST_F(MainFrameBufferTest, AStencilLevelOwnsTwoRenderbuffersAndGivesBothUp)
     }
 }
 
-TEST_F(MainFrameBufferTest, ANormalLevelDrawsIntoTheTextureAndItsPopRestoresTheTopLevel)
-{
-    frame().prepare(4, 2, true);
-    frame().beginDrawing();
-    const GLuint top = frame().renderBufferStack().back();
-    const GLuint texture = frame().createFloatRenderTexture(false, false);
-
-    frame().pushNormalRenderContext(texture);
-    const GLint normal = integer(GL_DRAW_FRAMEBUFFER_BINDING);
-    glViewport(0, 0, 4, 2);
-    paint(0.5f, 2.0f, -1.0f, 1.0f);
-    glViewport(1, 1, 1, 1);
-    frame().popNormalRenderContext();
-
-    EXPECT_EQ(glIsFramebuffer(static_cast<GLuint>(normal)), GL_FALSE);
-    EXPECT_EQ(attachment(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0), static_cast<GLint>(top));
-    EXPECT_THAT(viewport(), ElementsAre(0, 0, 4, 2));
-    EXPECT_THAT(takeTexture(texture), Pointwise(FloatNear(0.0f), solid(8, {0.5f, 2.0f, -1.0f, 1.0f})));
-}
-
-TEST_F(MainFrameBufferTest, RenderTexturesAreEmptyAndSizedByTheFrameOrByAVectorTruncated)
+TEST_F(MainFrameBufferTest, RenderTexturesAreEmptyAndSizedByTheFrameOrAVectorAndANormalLevelDrawsIntoOne)
 {
     frame().prepare(3, 2, true, GL_RGBA16);
     const GLuint framed = frame().createRenderTexture(false);
@@ -228,19 +197,31 @@ TEST_F(MainFrameBufferTest, RenderTexturesAreEmptyAndSizedByTheFrameOrByAVectorT
     glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, &filter);
     EXPECT_EQ(filter, static_cast<GLint>(GL_LINEAR_MIPMAP_NEAREST));
 
-    // A normal level on mip level 1 of the float texture ends with its own viewport.
+    // A normal level draws into mip level 1 of the float texture with its own
+    // viewport; its pop brings the top level and its viewport back.
     glGenerateMipmap(GL_TEXTURE_2D);
     glBindTexture(GL_TEXTURE_2D, 0);
     frame().beginDrawing();
+    const GLuint top = frame().renderBufferStack().back();
     frame().pushNormalRenderContext(floats, Vec2(2.7, 1.9), 1);
+    const GLint normal = integer(GL_DRAW_FRAMEBUFFER_BINDING);
     EXPECT_EQ(attachment(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0), static_cast<GLint>(floats));
     GLint level = -1;
     glGetFramebufferAttachmentParameteriv(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
                                           GL_FRAMEBUFFER_ATTACHMENT_TEXTURE_LEVEL, &level);
     EXPECT_EQ(level, 1);
     EXPECT_THAT(viewport(), ElementsAre(0, 0, 2, 1));
+    paint(0.5f, 2.0f, -1.0f, 1.0f);
+    glViewport(1, 1, 1, 1);
     frame().popNormalRenderContext();
-    glDeleteTextures(1, &floats);
+    EXPECT_EQ(glIsFramebuffer(static_cast<GLuint>(normal)), GL_FALSE);
+    EXPECT_EQ(attachment(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0), static_cast<GLint>(top));
+    EXPECT_THAT(viewport(), ElementsAre(0, 0, 3, 2));
+    std::vector<float> mip(2 * 4);
+    glBindTexture(GL_TEXTURE_2D, floats);
+    glGetTexImage(GL_TEXTURE_2D, 1, GL_RGBA, GL_FLOAT, mip.data());
+    EXPECT_THAT(mip, Pointwise(FloatNear(0.0f), solid(2, {0.5f, 2.0f, -1.0f, 1.0f})));
+    takeTexture(floats);
 }
 
 // The final pass turns premultiplied RGBA into the host's straight A, R, G, B

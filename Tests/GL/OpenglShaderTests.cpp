@@ -7,9 +7,8 @@
 #include "Math/Color.h"
 #include "Math/Mat4.h"
 
-#include "Support/GLContextTest.h"
+#include "RenderContextTest.h"
 
-#include <glbinding/gl/gl.h>
 #include <gmock/gmock.h>
 
 #include <cstdint>
@@ -52,26 +51,6 @@ void main()
 )";
 
 const char* const kBroken = "#version 330\nvoid main() { undeclared = 1.0; }\n";
-
-GLint integer(GLenum name)
-{
-    GLint value = 0;
-    glGetIntegerv(name, &value);
-    return value;
-}
-
-// The shader and program objects of the test's context, but for `except`:
-// a fresh context numbers them from 1.
-std::vector<GLuint> liveObjects(GLuint except = 0)
-{
-    std::vector<GLuint> live;
-    for (GLuint name = 1; name < 64; ++name) {
-        if (name != except && (glIsShader(name) == GL_TRUE || glIsProgram(name) == GL_TRUE)) {
-            live.push_back(name);
-        }
-    }
-    return live;
-}
 
 const int kInts[8] = {1, -2, 3, -4, 5, -6, 7, -8};
 const float kFloats[8] = {0.5f, -1.5f, 2.25f, -3.0f, 4.75f, -5.5f, 6.0f, -7.25f};
@@ -121,8 +100,27 @@ const AttributeForm kAttributeForms[] = {
     {9, 4, GL_FLOAT, false, [](auto& s, int i, auto* d, int st) { s.setAttribute4fv(i, d, st); }},
 };
 
-class OpenglShaderTest : public GLContextTest {
+class OpenglShaderTest : public RenderContextTest {
 protected:
+    // With no program, any GL call a setter made would raise an error (no
+    // program to ask, no vertex array to point) or move the texture unit.
+    static void expectSettersTouchNothing(const OpenglShader& shader)
+    {
+        glActiveTexture(GL_TEXTURE5);
+        EXPECT_EQ(shader.getUniformLocation("i1"), -1);
+        setPlainUniforms(shader);
+        shader.setUniformMatrix4f("transforms", Mat4(true), 1);
+        shader.setUniformTexture("picture", static_cast<int>(GL_TEXTURE_2D), 1, 2);
+        for (const AttributeForm& form : kAttributeForms) {
+            form.point(shader, 0, nullptr, 0);
+        }
+        shader.disableVertexAttributeArray("a1");
+        shader.disableVertexAttributeArray(0);
+        EXPECT_EQ(takeGLError(), GL_NO_ERROR);
+        EXPECT_EQ(integer(GL_ACTIVE_TEXTURE), static_cast<GLint>(GL_TEXTURE5));
+        glActiveTexture(GL_TEXTURE0);
+    }
+
     // The `components` values of each of `elements` elements, as floats.
     static std::vector<float> uniform(const OpenglShader& shader, const std::string& name, int elements,
                                       std::size_t components)
@@ -142,23 +140,24 @@ protected:
 
 TEST_F(OpenglShaderTest, ABuildKeepsOnlyItsProgramWhichASecondUseReuses)
 {
-    GLuint program = 0;
+    const auto before = liveObjects();
     {
         OpenglShader shader(kVertex, kFragment);
         shader.useProgram();
-        program = shader.program();
-        ASSERT_NE(program, 0u);
-        EXPECT_EQ(liveObjects(program), std::vector<GLuint>{}) << "stage objects remain";
+        const GLuint program = shader.program();
+        auto expected = before;
+        expected.insert("program " + std::to_string(program));
+        EXPECT_EQ(liveObjects(), expected) << "stage objects remain";
         glUseProgram(0);
         shader.useProgram();
         EXPECT_EQ(shader.program(), program);
         EXPECT_EQ(integer(GL_CURRENT_PROGRAM), static_cast<GLint>(program));
         glUseProgram(0);
     }
-    EXPECT_EQ(liveObjects(), std::vector<GLuint>{}) << "the destructor kept the program";
+    EXPECT_EQ(liveObjects(), before) << "the destructor kept the program";
 }
 
-TEST_F(OpenglShaderTest, AFailedBuildPrintsItsStageLeavesNothingAndIsTriedAfreshNextTime)
+TEST_F(OpenglShaderTest, AFailedBuildPrintsItsStageLeavesNothingSetsNothingAndIsTriedAfresh)
 {
     // A broken stage ends the attempt: with both broken, one error shows. The
     // last vertex stage compiles but gives the linker no main.
@@ -169,6 +168,8 @@ TEST_F(OpenglShaderTest, AFailedBuildPrintsItsStageLeavesNothingAndIsTriedAfresh
         {"#version 330\nvec4 place() { return vec4(1.0); }\n", kFragment, "", "Program error:\n"},
     };
     OpenglShader other(kVertex, kFragment);
+    other.useProgram();
+    const auto withOther = liveObjects();
     for (const auto& build : builds) {
         const std::string header = build[3];
         SCOPED_TRACE(header);
@@ -182,9 +183,12 @@ TEST_F(OpenglShaderTest, AFailedBuildPrintsItsStageLeavesNothingAndIsTriedAfresh
         EXPECT_EQ(occurrences(printed, "error:\n"), 1u);
         EXPECT_EQ(shader.program(), 0u);
         EXPECT_EQ(integer(GL_CURRENT_PROGRAM), 0) << "the other program stayed in use";
-        EXPECT_EQ(liveObjects(other.program()), std::vector<GLuint>{}) << "the failed attempt left objects";
+        EXPECT_EQ(liveObjects(), withOther) << "the failed attempt left objects";
+        expectSettersTouchNothing(shader);
         EXPECT_EQ(standardOutputOf([&] { shader.useProgram(); }), printed) << "the retry did not build again";
     }
+    OpenglShader unbuilt(kVertex, kFragment);
+    expectSettersTouchNothing(unbuilt);
 }
 
 TEST_F(OpenglShaderTest, ALongLogIsCutAtTheBufferAndTerminated)
@@ -207,22 +211,6 @@ TEST_F(OpenglShaderTest, ALongLogIsCutAtTheBufferAndTerminated)
     OpenglShader shader(source, kFragment);
     EXPECT_EQ(standardOutputOf([&] { shader.useProgram(); }),
               "Shader vert error:\n" + std::string(fullLog.data(), 511) + "\n");
-}
-
-TEST_F(OpenglShaderTest, AttributeBindingsLandAtTheirIndexesTheFirstOneWinning)
-{
-    OpenglShader shader(kVertex, kFragment);
-    shader.addAttributeBinding("a2", 5);
-    shader.addAttributeBinding("a3", 3);
-    shader.addAttributeBinding("a3", 7);
-    shader.useProgram();
-    shader.addAttributeBinding("a4", 9);
-
-    EXPECT_EQ(glGetAttribLocation(shader.program(), "a2"), 5);
-    EXPECT_EQ(glGetAttribLocation(shader.program(), "a3"), 3);
-    EXPECT_NE(glGetAttribLocation(shader.program(), "a4"), 9) << "a binding after the build took effect";
-    EXPECT_EQ(shader.getAttributeLocation("a2"), 5);
-    glUseProgram(0);
 }
 
 TEST_F(OpenglShaderTest, UniformSettersWriteWhatGLReadsBack)
@@ -280,30 +268,7 @@ TEST_F(OpenglShaderTest, UniformSettersWriteWhatGLReadsBack)
     glUseProgram(0);
 }
 
-// With no program, any GL call a setter made would raise an error (no
-// program to ask, no vertex array to point) or move the texture unit.
-TEST_F(OpenglShaderTest, SettersBeforeTheFirstBuildTouchNothing)
-{
-    OpenglShader shader(kVertex, kFragment);
-    glActiveTexture(GL_TEXTURE5);
-
-    EXPECT_EQ(shader.getUniformLocation("i1"), -1);
-    setPlainUniforms(shader);
-    shader.setUniformMatrix4f("transforms", Mat4(true), 1);
-    shader.setUniformTexture("picture", static_cast<int>(GL_TEXTURE_2D), 1, 2);
-    for (const AttributeForm& form : kAttributeForms) {
-        form.point(shader, 0, nullptr, 0);
-    }
-    shader.disableVertexAttributeArray("a1");
-    shader.disableVertexAttributeArray(0);
-
-    EXPECT_EQ(glGetError(), GL_NO_ERROR);
-    EXPECT_EQ(integer(GL_ACTIVE_TEXTURE), static_cast<GLint>(GL_TEXTURE5));
-    EXPECT_EQ(liveObjects(), std::vector<GLuint>{});
-    glActiveTexture(GL_TEXTURE0);
-}
-
-TEST_F(OpenglShaderTest, AttributeSettersEnableTheArrayAndPassOffsetAndStrideThrough)
+TEST_F(OpenglShaderTest, AttributeBindingsLandAndTheSettersEnableTheArrayWithOffsetAndStride)
 {
     GLuint vertexArray = 0;
     GLuint buffer = 0;
@@ -315,7 +280,9 @@ TEST_F(OpenglShaderTest, AttributeSettersEnableTheArrayAndPassOffsetAndStrideThr
     for (const char* name : {"a1", "a2", "a3", "a4"}) {
         shader.addAttributeBinding(name, name[1] - '0');
     }
+    shader.addAttributeBinding("a3", 7);  // the first binding of a name wins
     shader.useProgram();
+    EXPECT_EQ(shader.getAttributeLocation("a3"), 3);
 
     const auto value = [](GLuint index, GLenum name) {
         GLint read = 0;

@@ -63,21 +63,6 @@ protected:
         return values;
     }
 
-    // A float texture of `width` by `height` pixels holding `rgba`, unbound.
-    static gl::GLuint floatTexture(int width, int height, const std::vector<float>& rgba)
-    {
-        using namespace gl;
-        GLuint texture = 0;
-        glGenTextures(1, &texture);
-        glBindTexture(GL_TEXTURE_2D, texture);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-        glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(GL_RGBA32F), width, height, 0, GL_RGBA, GL_FLOAT,
-                     rgba.data());
-        glBindTexture(GL_TEXTURE_2D, 0);
-        return texture;
-    }
-
     // The GL objects alive in the current context among the first names of
     // each kind, as "kind name": what a step made or deleted shows as a
     // difference of two of these.
@@ -87,6 +72,7 @@ protected:
         const std::pair<const char*, GLboolean (*)(GLuint)> kinds[] = {
             {"framebuffer", glIsFramebuffer}, {"renderbuffer", glIsRenderbuffer}, {"texture", glIsTexture},
             {"vertex array", glIsVertexArray}, {"buffer", glIsBuffer}, {"program", glIsProgram},
+            {"shader", glIsShader},
         };
         std::set<std::string> live;
         for (const auto& [kind, exists] : kinds) {

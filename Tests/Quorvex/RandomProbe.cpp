@@ -1,5 +1,6 @@
 #include "RandomProbe.h"
 
+#include "GL/GLObject.h"
 #include "GL/OpenglShader.h"
 
 #include <glbinding/gl/gl.h>
@@ -61,39 +62,29 @@ void main() {
 }
 )glsl";
 
+// The first channel of each pixel of a one-row float target drawn with `fragment`.
 std::vector<float> Evaluate(const char* fragment, float iTime, int count)
 {
-    GLuint texture = 0;
-    glGenTextures(1, &texture);
-    glBindTexture(GL_TEXTURE_2D, texture);
+    const GLTexture texture = GLTexture::generate();
+    glBindTexture(GL_TEXTURE_2D, texture.name());
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, count, 1, 0, GL_RGBA, GL_FLOAT, nullptr);
-    GLuint framebuffer = 0;
-    glGenFramebuffers(1, &framebuffer);
-    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
-    GLuint vertexArray = 0;
-    glGenVertexArrays(1, &vertexArray);
-    glBindVertexArray(vertexArray);
-
+    const GLFramebuffer framebuffer = GLFramebuffer::generate();
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer.name());
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture.name(), 0);
+    const GLVertexArray vertexArray = GLVertexArray::generate();
+    glBindVertexArray(vertexArray.name());
+    OpenglShader program(kProbeVertex, fragment);
+    program.useProgram();
+    program.setUniform1f("iTime", iTime);
+    glViewport(0, 0, count, 1);
+    glDisable(GL_BLEND);
+    glDrawArrays(GL_TRIANGLES, 0, 3);
     std::vector<float> values(static_cast<std::size_t>(count) * 4);
-    {
-        OpenglShader program(kProbeVertex, fragment);
-        program.useProgram();
-        program.setUniform1f("iTime", iTime);
-        glViewport(0, 0, count, 1);
-        glDisable(GL_BLEND);
-        glDrawArrays(GL_TRIANGLES, 0, 3);
-        glReadBuffer(GL_COLOR_ATTACHMENT0);
-        glReadPixels(0, 0, count, 1, GL_RGBA, GL_FLOAT, values.data());
-        glUseProgram(0);
-    }
-
+    glReadPixels(0, 0, count, 1, GL_RGBA, GL_FLOAT, values.data());
+    glUseProgram(0);
     glBindVertexArray(0);
-    glDeleteVertexArrays(1, &vertexArray);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    glDeleteFramebuffers(1, &framebuffer);
     glBindTexture(GL_TEXTURE_2D, 0);
-    glDeleteTextures(1, &texture);
 
     std::vector<float> result;
     for (int i = 0; i < count; ++i) {
