@@ -64,10 +64,13 @@ TEST_F(ContextTest, APlatformContextLeavesTheCurrentOneAloneAndGetsAnIdNeverSeen
         GLPlatform::makeCurrent(context.get());
         EXPECT_EQ(GLPlatform::currentHandle(), GLPlatform::handle(context.get()));
         EXPECT_EQ(GLPlatform::currentContextId(), GLPlatform::id(context.get()));
+        EXPECT_EQ(GLPlatform::currentBinding().drawSurface, nullptr);
         GLPlatform::makeCurrent(hostBinding());
     }
     EXPECT_EQ(ids.size(), 8u) << "an id was handed out twice";
     EXPECT_EQ(ids.count(0), 0u);
+    GLPlatform::makeCurrent(GLPlatform::CurrentBinding{});
+    EXPECT_EQ(GLPlatform::currentHandle(), nullptr);
 }
 
 TEST_F(ContextTest, APlatformRefusalNamesTheCallAndTheError)

@@ -128,38 +128,34 @@ TEST_F(UtilitiesTest, AnUploadHoldsTheWorldInTheHostsOrderAndNamesItsDepth)
     }
 }
 
-TEST_F(UtilitiesTest, AnUnknownFormatIsRefusedByBothDirectionsBeforeAnythingIsTaken)
+// An unknown format (by both directions) or a frame beyond the largest
+// texture is refused with one line, before anything is taken or made.
+TEST_F(UtilitiesTest, UnusableFramesAreRefusedWithALineBeforeAnythingIsTaken)
 {
     const PF_PixelFormat unknown = 0x34333231;  // "1234"
     World world(2, 2, unknown, 4);
     std::memset(world.row(0), 0x3C, 8);
     const std::vector<unsigned char> before = HostPixels::bytes(world);
+    const A_long wide = integer(GL_MAX_TEXTURE_SIZE) + 1;
+    World input(wide, 1, PF_PixelFormat_ARGB32);
     const auto objects = liveObjects();
 
     const std::string said = standardErrorOf([&] {
         EXPECT_EQ(thrownBy([&] { upload(world, unknown); }), PF_Err_BAD_CALLBACK_PARAM);
         EXPECT_EQ(thrownBy([&] { download(world, unknown); }), PF_Err_BAD_CALLBACK_PARAM);
+        EXPECT_EQ(thrownBy([&] { upload(input); }), PF_Err_BAD_CALLBACK_PARAM);
     });
 
-    EXPECT_EQ(occurrences(said, "Quorvex: pixel format 0x34333231 is not one of"), 2u);
+    const std::string unknownLine = "Quorvex: pixel format 0x34333231 is not one of";
+    EXPECT_EQ(occurrences(said, unknownLine), 2u);
+    EXPECT_EQ(occurrences(said, "\n"), 3u) << said;
+    EXPECT_EQ(said.substr(said.find('\n', said.rfind(unknownLine)) + 1),
+              "Quorvex: a frame of " + std::to_string(wide) + "x1 pixels exceeds this OpenGL's largest texture (" +
+                  std::to_string(wide - 1) + ")\n");
     EXPECT_EQ(liveObjects(), objects);
     EXPECT_EQ(HostPixels::bytes(world), before);
     EXPECT_TRUE(mHost.suites().log().empty());
     expectNothingHeld();
-}
-
-TEST_F(UtilitiesTest, AFrameBeyondTheLargestTextureIsRefusedWithOneLine)
-{
-    const A_long wide = integer(GL_MAX_TEXTURE_SIZE) + 1;
-    World input(wide, 1, PF_PixelFormat_ARGB32);
-    const auto objects = liveObjects();
-
-    const std::string said =
-        standardErrorOf([&] { EXPECT_EQ(thrownBy([&] { upload(input); }), PF_Err_BAD_CALLBACK_PARAM); });
-
-    EXPECT_EQ(said, "Quorvex: a frame of " + std::to_string(wide) + "x1 pixels exceeds this OpenGL's largest texture (" +
-                        std::to_string(wide - 1) + ")\n");
-    EXPECT_EQ(liveObjects(), objects);
 }
 
 struct HostFailure {
