@@ -13,25 +13,10 @@ using Vec4 = std::array<float, 4>;
 // pixels, as the test's units) are not vouched for.
 constexpr float kBoundaryMargin = 1e-4f;
 
-float Fract(float value)
-{
-    return value - std::floor(value);
-}
-
-float Step(float edge, float value)
-{
-    return value < edge ? 0.0f : 1.0f;
-}
-
 // GLSL's mod: x - y * floor(x / y).
 float Mod(float x, float y)
 {
     return x - y * std::floor(x / y);
-}
-
-Vec4 SwapChannel(const Vec4& c)
-{
-    return {c[1], c[2], c[3], c[0]};
 }
 
 Vec4 Scale(Vec4 c, float factor)
@@ -40,11 +25,6 @@ Vec4 Scale(Vec4 c, float factor)
         channel *= factor;
     }
     return c;
-}
-
-Vec4 Premultiply(const Vec4& c)
-{
-    return {c[3] * c[0], c[3] * c[1], c[3] * c[2], c[3]};
 }
 
 float Quantise(float value, float steps)
@@ -103,13 +83,15 @@ Vec4 GlitchModel::sample(float u, float v) const
         const float bottom = c[i] + (d[i] - c[i]) * ax;
         result[i] = top + (bottom - top) * ay;
     }
-    return SwapChannel(result);
+    // The host's A, R, G, B rotated to true RGBA.
+    return {result[1], result[2], result[3], result[0]};
 }
 
 ModelPixel GlitchModel::finish(Vec4 rgba, bool certain) const
 {
     // The effect's last two steps: the multiplier, then premultiplication.
-    const Vec4 stored = Premultiply(Scale(rgba, mMultiplier));
+    const Vec4 scaled = Scale(rgba, mMultiplier);
+    const Vec4 stored = {scaled[3] * scaled[0], scaled[3] * scaled[1], scaled[3] * scaled[2], scaled[3]};
     Vec4 target{};
     for (int i = 0; i < 4; ++i) {
         target[i] = Quantise(stored[i], mTargetSteps) / mTargetSteps;
@@ -143,11 +125,13 @@ std::vector<ModelPixel> GlitchModel::blockGlitch(const BlockGlitchRandoms& rando
             Vec4 colour = sample(u, v);
             for (int i = 0; i < 2; ++i) {
                 const float bottom = randoms.sliceY[i];
-                const float top = Fract(randoms.sliceY[i] + randoms.sliceH[i]);
+                const float end = randoms.sliceY[i] + randoms.sliceH[i];
+                const float top = end - std::floor(end);
                 if (std::fabs(v - bottom) < kBoundaryMargin || std::fabs(v - top) < kBoundaryMargin) {
                     certain = false;
                 }
-                if (Step(bottom, v) - Step(top, v) == 1.0f) {
+                // step(bottom, v) - step(top, v) == 1: inside a band that does not wrap.
+                if (v >= bottom && v < top) {
                     colour = sample(u + randoms.hOffset[i], v);
                 }
             }
