@@ -49,8 +49,8 @@ public:
     };
     // The RGBA sample of channel `c` at (x, y) of frame `frame`.
     using ClipFunction = std::function<std::uint8_t(int frame, int x, int y, int c)>;
-    // Writes a lossless clip (FFV1 with alpha, in Matroska) with a stereo
-    // AAC track as long as the video, if `clip.audio`.
+    // Writes a lossless clip (FFV1 with alpha, in Matroska, by the ffmpeg
+    // program) with a stereo AAC track as long as the video, if `clip.audio`.
     static void writeClip(const std::string& path, const Clip& clip, const ClipFunction& sample);
 
     // Runs a command line with /bin/sh in `folder`, as a user would type it
