@@ -67,7 +67,7 @@ TEST(OptionParsingTest, MalformedValuesAreUsageErrorsNamingTheOptionAndTheCulpri
         {keyframes("0:1,5"), "entry '5' is not SECONDS:VALUE"},
         {keyframes("soon:1"), "'soon' is not a time"},
         {keyframes("1:"), "at 1 s has no value"},
-        {keyframes("1:2,1.0:3"), "two keyframes at 1 s"},
+        {keyframes("1:2,0:1,1.0:3"), "two keyframes at 1 s"},
         {keyframes("-1e308:1,1e308:2"), "too far apart"},
         {[] { EffectSettings::glitchTypeOf("tv"); }, "'tv'"},
         {[] { EffectSettings::parse("0:block,1:noise", ""); }, "'noise'"},
@@ -174,12 +174,16 @@ TEST(FrameConverterTest, WorldsWithPaddedRowsUnclampedFloatsAndNoSmallerPictures
         << "a smaller picture would be read past its end";
 
     RgbaFrame floating(1, 1, PixelDepth::Float);
-    const float samplesFloat[] = {-0.5f, 0.25f, 2.0f, 0.75f};
+    const float samplesFloat[] = {-0.5f, 0.5f, 2.0f, 0.75f};
     std::copy(std::begin(samplesFloat), std::end(samplesFloat), floating.samplesFloat());
     Host::World worldFloat(1, 1, PF_PixelFormat_ARGB128);
     FrameConverter::toWorld(floating, worldFloat);
     EXPECT_EQ(worldFloat.pixelFloat(0, 0).red, -0.5f) << "float values pass unclamped";
     EXPECT_EQ(worldFloat.pixelFloat(0, 0).blue, 2.0f);
+    const RgbaFrame deep = floating.convertedTo(PixelDepth::Sixteen);
+    EXPECT_EQ(std::vector<int>(deep.samples16(), deep.samples16() + 3), std::vector<int>({0, 32768, 65535}))
+        << "clamped, and half of 65535 rounded up";
+    EXPECT_EQ(deep.convertedTo(PixelDepth::Eight).samples8()[1], 128);
 }
 
 TEST(FrameTimelineTest, ClipsCountInTheirRatesUnitsAndStillsOnAFineScale)
