@@ -187,16 +187,6 @@ TEST_F(PictureRenderTest, SequenceFramesAreRenderedAtTheirTimesOneCommandAfterAn
     }
     expected.push_back("GlobalSetdown");
     EXPECT_EQ(lines("effect.log"), expected);
-
-    // Frame 2 keeps its place after frame 1, the first on disk.
-    ASSERT_TRUE(Succeeded(runFake({"render", path("in.%04d.png"), path("part.%02d.png"), "--frames",
-                                   "2:3", "--fps", "8", "--time-offset", "1.5"})));
-    EXPECT_EQ(files().count("part.01.png") + files().count("part.04.png"), 0u);
-    EXPECT_EQ(picture("part.02.png").at(0, 0, 0), 255 - 20);
-    for (const int number : {2, 3}) {
-        EXPECT_EQ(picture(numbered("part.%02d.png", number)).at(0, 0, 2),
-                  FakeEffectFormula::TimeStep(number - 1 + 12, 8, 1.0f));
-    }
 }
 
 TEST_F(PictureRenderTest, SpeedMovesLinearlyAndGlitchTypeHoldsUntilTheNextKeyframe)

@@ -10,7 +10,8 @@
 namespace Halvane::Quorvex::Testing {
 
 // A picture file's samples as numbers in the file's own range (0..255,
-// 0..65535, or float), interleaved, rows top to bottom.
+// 0..65535, or float), interleaved, rows top to bottom; a sample outside
+// the picture throws, failing the test.
 struct PictureFile {
     int width = 0;
     int height = 0;
@@ -20,7 +21,7 @@ struct PictureFile {
 
     double at(int x, int y, int channel) const
     {
-        return samples[(static_cast<std::size_t>(y) * width + x) * channels + channel];
+        return samples.at((static_cast<std::size_t>(y) * width + x) * channels + channel);
     }
 };
 
