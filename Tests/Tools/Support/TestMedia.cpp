@@ -27,13 +27,10 @@ void TestMedia::writePicture(const std::string& path, int width, int height, int
 {
     // Integer samples travel as exact fractions and come back rounded to
     // themselves.
-    std::vector<double> values;
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            for (int c = 0; c < channels; ++c) {
-                values.push_back(sample(x, y, c) / ScaleOf(format));
-            }
-        }
+    std::vector<double> values(static_cast<std::size_t>(width) * height * channels);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const auto pixel = static_cast<int>(i / channels);
+        values[i] = sample(pixel % width, pixel / width, static_cast<int>(i % channels)) / ScaleOf(format);
     }
     OIIO::ImageSpec spec(width, height, channels, format);
     spec.attribute("oiio:UnassociatedAlpha", 1);
@@ -75,18 +72,13 @@ void TestMedia::writeClip(const std::string& path, const Clip& clip, const ClipF
     // Raw frames, encoded by the ffmpeg program with a 440 Hz tone as long
     // as the video.
     const std::filesystem::path raw = path + ".rgba";
-    {
-        std::ofstream frames(raw, std::ios::binary);
-        for (int f = 0; f < clip.frames; ++f) {
-            for (int y = 0; y < clip.height; ++y) {
-                for (int x = 0; x < clip.width; ++x) {
-                    for (int c = 0; c < 4; ++c) {
-                        frames.put(static_cast<char>(sample(f, x, y, c)));
-                    }
-                }
-            }
-        }
+    std::string frames(static_cast<std::size_t>(clip.frames) * clip.height * clip.width * 4, '\0');
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        const auto pixel = static_cast<int>(i / 4);
+        frames[i] = static_cast<char>(sample(pixel / (clip.width * clip.height), pixel % clip.width,
+                                             pixel / clip.width % clip.height, static_cast<int>(i % 4)));
     }
+    std::ofstream(raw, std::ios::binary) << frames;
     std::ostringstream command;
     command << "ffmpeg -v error -f rawvideo -pix_fmt rgba -s " << clip.width << "x" << clip.height
             << " -framerate " << clip.rateNumerator << "/" << clip.rateDenominator << " -i '"
