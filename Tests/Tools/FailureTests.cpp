@@ -1,16 +1,22 @@
 // Every bad input ends with exit code 2 (usage) or 1 (runtime), one line on
-// standard error naming the culprit, and no file left behind. The option
-// parsers' every message is checked in OptionParsingTests; here one case of
-// each kind shows the program passes it on.
-#include "Tools/Support/TestMedia.h"
+// standard error naming the culprit, and no file left behind; so does Ctrl-C
+// or SIGTERM at any moment of a render or a demo (promptly, after the frame
+// in hand, with 128 + the signal) and a closed pipe on standard error. The
+// option parsers' every message is checked in ToolLibraryTests; here one
+// case of each kind shows the program passes it on.
 #include "Tools/Support/ToolTest.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace Halvane::Quorvex::Testing {
@@ -57,6 +63,46 @@ protected:
         return arguments;
     }
 
+    // How many lines the fake effect logged for `command`.
+    int logged(const std::string& command) const
+    {
+        const std::vector<std::string> log = lines("effect.log");
+        return static_cast<int>(std::count_if(log.begin(), log.end(), [&](const std::string& line) {
+            return line.rfind(command, 0) == 0;
+        }));
+    }
+
+    // Starts `quorvex ARGUMENTS --plugin <fake effect>`, logging to effect.log,
+    // and waits until it logged `count` lines of `command` (at most 30 s).
+    std::unique_ptr<ToolProcess> startFake(std::vector<std::string> arguments,
+                                           std::map<std::string, std::string> environment,
+                                           const std::string& command, int count)
+    {
+        std::remove(path("effect.log").c_str());
+        arguments.insert(arguments.end(), {"--plugin", QUORVEX_FAKE_EFFECT_PATH});
+        environment["QUORVEX_FAKE_LOG"] = path("effect.log");
+        auto process = std::make_unique<ToolProcess>(QUORVEX_TOOL_PATH, arguments, environment, false);
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (logged(command) < count && std::chrono::steady_clock::now() < deadline) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return process;
+    }
+
+    // Signals the run and checks that it ends soon with 128 + the signal and
+    // what standard error should hold, leaving only the files that were there before.
+    void expectStopped(ToolProcess& process, int signal, const std::string& name)
+    {
+        process.sendSignal(signal);
+        ASSERT_TRUE(process.endsWithin(std::chrono::seconds(10))) << "the signal was swallowed";
+        const ToolResult result = process.wait();
+        EXPECT_EQ(result.exitCode, 128 + signal) << result.err;
+        EXPECT_THAT(result.err, HasSubstr(name));
+        std::set<std::string> after = files();
+        after.erase("effect.log");
+        EXPECT_EQ(after, mInputs);
+    }
+
     std::set<std::string> mInputs;
 };
 
@@ -70,9 +116,8 @@ TEST_F(FailureTest, InputsThatCannotBeRead)
     expectFailure({"render", path("notes.png"), path("out.png")}, 1,
                   {"notes.png", "not a picture or video"});
     // libpng's own lines and OpenImageIO's several join the one line.
-    std::ostringstream whole;
-    whole << std::ifstream(path("in.png"), std::ios::binary).rdbuf();
-    std::ofstream(path("cut.png"), std::ios::binary) << whole.str().substr(0, whole.str().size() - 30);
+    const std::string whole = contents("in.png");
+    std::ofstream(path("cut.png"), std::ios::binary) << whole.substr(0, whole.size() - 30);
     mInputs = files();
     expectFailure({"render", path("cut.png"), path("out.png")}, 1, {"cut.png", "end of file"});
     if (::geteuid() != 0) {
@@ -86,7 +131,8 @@ TEST_F(FailureTest, OptionValuesThatMakeNoSense)
     expectFailure({"render", path("in.png"), path("out.xyz")}, 2, {"out.xyz", "'.xyz'"});
     expectFailure(with({"--glitch", "wobble"}), 2, {"--glitch", "'wobble'"});
     expectFailure(with({"--speed", "0:1,2"}), 2, {"--speed", "'2'", "SECONDS:VALUE"});
-    expectFailure(with({"--speed", "3.5"}), 2, {"--speed", "3.5", "0 to 3"});
+    expectFailure(with({"--speed", "3.01"}), 2, {"--speed: 3.01 is outside the valid range of Speed, 0 to 3"});
+    expectFailure(with({"--speed", "0:1,1:-1"}), 2, {"-1 is outside"});
     expectFailure(with({"--time", "soon"}), 2, {"--time", "'soon'"});
     for (const char* option : {"--speed", "--glitch", "--time"}) {
         expectFailure(with({option, ""}), 2, {option, "no value"});
@@ -131,41 +177,32 @@ TEST_F(FailureTest, SizesThatHeadersClaimAreRefusedBeforeThePixels)
         return std::string{static_cast<char>(value >> 24), static_cast<char>(value >> 16),
                            static_cast<char>(value >> 8), static_cast<char>(value)};
     };
-    const auto chunk = [&](const std::string& type, const std::string& data) {
-        const std::string body = type + data;
-        std::uint32_t crc = 0xFFFFFFFFu;
-        for (const char byte : body) {
-            crc ^= static_cast<unsigned char>(byte);
-            for (int bit = 0; bit < 8; ++bit) {
-                crc = (crc >> 1) ^ (0xEDB88320u & (0u - (crc & 1u)));
-            }
-        }
-        return bigEndian(static_cast<std::uint32_t>(data.size())) + body + bigEndian(~crc);
-    };
+    // A real PNG whose header then claims the size, its checksum made anew.
     const std::uint32_t side = 1000000;
-    std::ofstream(path("huge.png"), std::ios::binary)
-        << std::string("\x89PNG\r\n\x1a\n", 8)
-        << chunk("IHDR", bigEndian(side) + bigEndian(side) + std::string("\x08\x06\0\0\0", 5))
-        << chunk("IDAT", std::string("\x78\x9c\x03\0\0\0\0\x01", 8)) << chunk("IEND", "");
-    // A grey TIFF: header, then one directory of 8 entries.
+    std::string png = contents("in.png");
+    png.replace(16, 8, bigEndian(side) + bigEndian(side));
+    std::uint32_t crc = 0xFFFFFFFFu;
+    for (std::size_t i = 12; i < 29; ++i) {
+        crc ^= static_cast<unsigned char>(png[i]);
+        for (int bit = 0; bit < 8; ++bit) {
+            crc = (crc >> 1) ^ (0xEDB88320u & (0u - (crc & 1u)));
+        }
+    }
+    png.replace(29, 4, bigEndian(~crc));
+    std::ofstream(path("huge.png"), std::ios::binary) << png;
+    // A grey TIFF: header, then one directory of 8 entries (tag, type, value),
+    // PackBits making one strip of a few bytes for all rows.
     std::string tiff("II*\0\x08\0\0\0\x08\0", 10);
-    const auto entry = [&](std::uint16_t tag, std::uint16_t type, std::uint32_t value) {
+    const std::uint32_t entries[][3] = {{256, 4, side}, {257, 4, side},  {258, 3, 8},    {259, 3, 32773},
+                                        {262, 3, 1},    {273, 4, 200},   {278, 4, side}, {279, 4, 4096}};
+    for (const auto& [tag, type, value] : entries) {
         const char bytes[12] = {static_cast<char>(tag), static_cast<char>(tag >> 8),
                                 static_cast<char>(type), 0, 1, 0, 0, 0,
                                 static_cast<char>(value), static_cast<char>(value >> 8),
                                 static_cast<char>(value >> 16), static_cast<char>(value >> 24)};
         tiff.append(bytes, sizeof(bytes));
-    };
-    for (const std::uint16_t tag : {256, 257}) {
-        entry(tag, 4, side);
     }
-    entry(258, 3, 8);
-    entry(259, 3, 32773);  // PackBits: one strip of a few bytes for all rows
-    entry(262, 3, 1);
-    entry(273, 4, 200);
-    entry(278, 4, side);
-    entry(279, 4, 4096);
-    tiff.append(4 + 200 - tiff.size() - 4, '\0');
+    tiff.append(200 - tiff.size(), '\0');
     std::ofstream(path("huge.tif"), std::ios::binary) << tiff << std::string(4096, '\0');
     mInputs = files();
     for (const char* name : {"huge.png", "huge.tif"}) {
@@ -219,7 +256,7 @@ TEST_F(FailureTest, ModulesThatDoNotLoadOrFail)
                   {{"QUORVEX_FAKE_MAX_PIXELS", "199"}}, 2);
 }
 
-TEST_F(FailureTest, AFailureHalfwayLeavesNoPartOfTheOutput)
+TEST_F(FailureTest, AFailureHalfwayOrAClosedPipeOnStandardErrorLeavesNoPartOfTheOutput)
 {
     TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{},
                          [](int, int, int, int) { return 100; });
@@ -230,6 +267,75 @@ TEST_F(FailureTest, AFailureHalfwayLeavesNoPartOfTheOutput)
     expectFailure({"render", path("clip.mkv"), path("out.mp4"), "--quiet"}, 1,
                   {"frame 4", "clip.mkv"}, failFourth);
     expectFailure({"render", path("clip.mkv"), path("out.%02d.png")}, 1, {"frame 4"}, failFourth);
+    // A closed pipe on standard error is an error, not a death by SIGPIPE.
+    int pipe[2];
+    ASSERT_EQ(::pipe(pipe), 0);
+    ::close(pipe[0]);
+    // The note that MP4 drops alpha meets the closed pipe while the output
+    // is reserved.
+    ToolProcess process(QUORVEX_TOOL_PATH,
+                        {"render", path("clip.mkv"), path("out.mp4"), "--plugin", QUORVEX_FAKE_EFFECT_PATH},
+                        {{"QUORVEX_FAKE_FRAME_DELAY_MS", "200"}}, false, pipe[1]);
+    ::close(pipe[1]);
+    ASSERT_TRUE(process.endsWithin(std::chrono::seconds(10)));
+    EXPECT_EQ(process.wait().exitCode, 1);
+    EXPECT_EQ(files(), mInputs);
+}
+
+TEST_F(FailureTest, ASignalDuringAVideoOrASequenceLeavesNoFile)
+{
+    writeSequence("in.%d.png", 1, 40, 8, 8, 4, [](int, int, int, int) { return 50.0; });
+    mInputs = files();
+    const struct {
+        const char* output;
+        int signal;
+        const char* name;
+    } cases[] = {{"out.mp4", SIGINT, "interrupted"}, {"out.%02d.png", SIGTERM, "SIGTERM"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.output);
+        // A slow render, signalled once it has rendered a few frames.
+        const auto process = startFake({"render", path("in.%d.png"), path(c.output)},
+                                       {{"QUORVEX_FAKE_FRAME_DELAY_MS", "100"}}, "SmartRender", 3);
+        expectStopped(*process, c.signal, c.name);
+        EXPECT_LT(logged("SmartRender"), 40) << "the render went on to the end";
+    }
+}
+
+TEST_F(FailureTest, ASignalBeforeTheFirstFrameOrBetweenDemoClipsLeavesNoFile)
+{
+    TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{}, [](int, int, int, int) { return 100; });
+    ASSERT_EQ(::mkfifo(path("fifo.png").c_str(), 0600), 0);
+    mInputs = files();
+    {
+        SCOPED_TRACE("blocked opening an input that no one writes");
+        ToolProcess process(QUORVEX_TOOL_PATH, {"render", path("fifo.png"), path("out.png")}, {}, false);
+        // A writer gets in once the program reads; it then opens the file
+        // anew and waits there for the next.
+        int writer = -1;
+        for (int tries = 0; writer < 0 && tries < 1500; ++tries) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            writer = ::open(path("fifo.png").c_str(), O_WRONLY | O_NONBLOCK);
+        }
+        ASSERT_GE(writer, 0);
+        ::close(writer);
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        expectStopped(process, SIGTERM, "");
+    }
+    {
+        SCOPED_TRACE("setting up, the output reserved");
+        const auto process = startFake({"render", path("clip.mkv"), path("out.mkv")},
+                                       {{"QUORVEX_FAKE_SETUP_DELAY_MS", "3000"}}, "GlobalSetup", 1);
+        expectStopped(*process, SIGINT, "interrupted");
+    }
+    {
+        SCOPED_TRACE("a demo with its first clip done");
+        const auto process = startFake({"demo", path("demo")}, {{"QUORVEX_FAKE_FRAME_DELAY_MS", "5"}},
+                                       "SmartRender", 80);
+        process->sendSignal(SIGTERM);
+        ASSERT_TRUE(process->endsWithin(std::chrono::seconds(10)));
+        EXPECT_EQ(process->wait().exitCode, 128 + SIGTERM);
+        EXPECT_TRUE(std::filesystem::is_empty(path("demo"))) << "the finished clip must go too";
+    }
 }
 
 }  // namespace

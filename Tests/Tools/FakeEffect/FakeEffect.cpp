@@ -45,16 +45,14 @@ long EnvironmentNumber(const char* name, long fallback)
 void Log(const char* command, const PF_InData* in_data = nullptr)
 {
     const char* path = std::getenv("QUORVEX_FAKE_LOG");
-    std::FILE* file = path && *path ? std::fopen(path, "a") : nullptr;
-    if (!file) {
-        return;
+    if (std::FILE* file = path && *path ? std::fopen(path, "a") : nullptr) {
+        if (in_data) {
+            std::fprintf(file, "%s %d/%u\n", command, in_data->current_time, in_data->time_scale);
+        } else {
+            std::fprintf(file, "%s\n", command);
+        }
+        std::fclose(file);
     }
-    if (in_data) {
-        std::fprintf(file, "%s %d/%u\n", command, in_data->current_time, in_data->time_scale);
-    } else {
-        std::fprintf(file, "%s\n", command);
-    }
-    std::fclose(file);
 }
 
 PF_Err About(PF_InData* in_data, PF_OutData* out_data)
@@ -83,34 +81,29 @@ PF_Err ParamsSetup(PF_InData* in_data, PF_OutData* out_data)
 {
     Log("ParamsSetup");
     out_data->num_params = kParameterCount;
-    PF_ParamDef def;
-    std::memset(&def, 0, sizeof(def));
-    def.param_type = PF_Param_POPUP;
-    std::strcpy(def.name, kGlitchTypeName);
-    def.u.pd.value = kGlitchTypeDefault;
-    def.u.pd.dephault = kGlitchTypeDefault;
-    def.u.pd.num_choices = kGlitchTypeChoices;
-    def.u.pd.u.namesptr = "Block Glitch|Bad TV";
-    def.uu.id = kGlitchTypeId;
-    if (const PF_Err err = in_data->inter.add_param(in_data->effect_ref, -1, &def)) {
-        return err;
-    }
-    std::memset(&def, 0, sizeof(def));
-    def.param_type = PF_Param_FLOAT_SLIDER;
-    std::strcpy(def.name, kSpeedName);
-    def.u.fs_d.valid_min = def.u.fs_d.slider_min = kSpeedMin;
-    def.u.fs_d.valid_max = def.u.fs_d.slider_max = kSpeedMax;
-    def.u.fs_d.value = def.u.fs_d.dephault = kSpeedDefault;
-    def.uu.id = kSpeedId;
-    return in_data->inter.add_param(in_data->effect_ref, -1, &def);
+    PF_ParamDef popup{};
+    popup.param_type = PF_Param_POPUP;
+    std::strcpy(popup.name, kGlitchTypeName);
+    popup.u.pd.value = popup.u.pd.dephault = kGlitchTypeDefault;
+    popup.u.pd.num_choices = kGlitchTypeChoices;
+    popup.u.pd.u.namesptr = "Block Glitch|Bad TV";
+    popup.uu.id = kGlitchTypeId;
+    PF_ParamDef slider{};
+    slider.param_type = PF_Param_FLOAT_SLIDER;
+    std::strcpy(slider.name, kSpeedName);
+    slider.u.fs_d.valid_min = slider.u.fs_d.slider_min = kSpeedMin;
+    slider.u.fs_d.valid_max = slider.u.fs_d.slider_max = kSpeedMax;
+    slider.u.fs_d.value = slider.u.fs_d.dephault = kSpeedDefault;
+    slider.uu.id = kSpeedId;
+    const PF_Err err = in_data->inter.add_param(in_data->effect_ref, -1, &popup);
+    return err ? err : in_data->inter.add_param(in_data->effect_ref, -1, &slider);
 }
 
 PF_Err SmartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra)
 {
     Log("SmartPreRender", in_data);
     PF_RenderRequest request = extra->input->output_request;
-    PF_CheckoutResult result;
-    std::memset(&result, 0, sizeof(result));
+    PF_CheckoutResult result{};
     if (const PF_Err err = extra->cb->checkout_layer(
             in_data->effect_ref, kInputLayerIndex, kInputCheckoutId, &request, in_data->current_time,
             in_data->time_step, in_data->time_scale, &result)) {
@@ -124,8 +117,7 @@ PF_Err SmartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra)
 // A parameter at the frame's time; once `err` is set, nothing is asked.
 PF_ParamDef Parameter(PF_InData* in_data, PF_ParamIndex index, PF_Err& err)
 {
-    PF_ParamDef param;
-    std::memset(&param, 0, sizeof(param));
+    PF_ParamDef param{};
     if (!err) {
         err = in_data->inter.checkout_param(in_data->effect_ref, index, in_data->current_time,
                                             in_data->time_step, in_data->time_scale, &param);

@@ -6,7 +6,7 @@
 
 namespace Halvane::Quorvex::Testing {
 
-// What a video file holds, found with the FFmpeg libraries directly.
+// What a video file holds, as the ffprobe and ffmpeg programs find it.
 struct MediaSummary {
     struct Stream {
         std::string type;   // "video", "audio", ...
@@ -23,7 +23,7 @@ struct MediaSummary {
     std::string pixelFormat;
     // "primaries/transfer/matrix/range" as FFmpeg names them.
     std::string colour;
-    double rotation = 0.0;  // degrees counter-clockwise, from the display matrix
+    double rotation = 0.0;  // degrees, from the display matrix
     std::string title;      // the container's
     int frames = 0;         // decoded pictures
     std::vector<double> frameSeconds;  // each picture's timestamp
@@ -37,7 +37,7 @@ struct MediaSummary {
 
 class MediaProbe {
 public:
-    // Fails the test when the file does not open or decode.
+    // Fails the test when the file does not open or holds no video.
     static MediaSummary probe(const std::string& path, bool keepPictures = false);
 };
 

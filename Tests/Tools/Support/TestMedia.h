@@ -10,7 +10,8 @@
 namespace Halvane::Quorvex::Testing {
 
 // A picture file's samples as numbers in the file's own range (0..255,
-// 0..65535, or float), interleaved, rows top to bottom.
+// 0..65535, or float), interleaved, rows top to bottom; a sample outside
+// the picture throws, failing the test.
 struct PictureFile {
     int width = 0;
     int height = 0;
@@ -20,7 +21,7 @@ struct PictureFile {
 
     double at(int x, int y, int channel) const
     {
-        return samples[(static_cast<std::size_t>(y) * width + x) * channels + channel];
+        return samples.at((static_cast<std::size_t>(y) * width + x) * channels + channel);
     }
 };
 
@@ -49,8 +50,8 @@ public:
     };
     // The RGBA sample of channel `c` at (x, y) of frame `frame`.
     using ClipFunction = std::function<std::uint8_t(int frame, int x, int y, int c)>;
-    // Writes a lossless clip (FFV1 with alpha, in Matroska) with a stereo
-    // AAC track as long as the video, if `clip.audio`.
+    // Writes a lossless clip (FFV1 with alpha, in Matroska, by the ffmpeg
+    // program) with a stereo AAC track as long as the video, if `clip.audio`.
     static void writeClip(const std::string& path, const Clip& clip, const ClipFunction& sample);
 
     // Runs a command line with /bin/sh in `folder`, as a user would type it

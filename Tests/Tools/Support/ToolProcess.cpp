@@ -47,29 +47,17 @@ std::string ReadAll(int fd)
 
 }  // namespace
 
-ToolProcess::ToolProcess(const std::vector<std::string>& arguments,
-                         const std::map<std::string, std::string>& environment,
-                         bool errorIsTerminal, int errorTarget)
-    : ToolProcess(QUORVEX_TOOL_PATH, arguments, environment, errorIsTerminal, errorTarget)
-{
-}
-
 ToolProcess::ToolProcess(const std::string& program, const std::vector<std::string>& arguments,
                          const std::map<std::string, std::string>& environment,
                          bool errorIsTerminal, int errorTarget)
 {
-    std::vector<std::string> argumentTexts{program};
-    argumentTexts.insert(argumentTexts.end(), arguments.begin(), arguments.end());
-    std::vector<std::string> environmentTexts;
-    for (char** entry = environ; *entry; ++entry) {
-        const std::string text = *entry;
-        if (!environment.count(text.substr(0, text.find('=')))) {
-            environmentTexts.push_back(text);
-        }
-    }
+    // env(1) sets the variables and becomes the program, keeping the process.
+    std::vector<std::string> argumentTexts{"env"};
     for (const auto& [name, value] : environment) {
-        environmentTexts.push_back(name + "=" + value);
+        argumentTexts.push_back(name + "=" + value);
     }
+    argumentTexts.push_back(program);
+    argumentTexts.insert(argumentTexts.end(), arguments.begin(), arguments.end());
 
     mOutFile = ::memfd_create("quorvex-out", MFD_CLOEXEC);
     Check(mOutFile >= 0, "memfd_create");
@@ -85,7 +73,7 @@ ToolProcess::ToolProcess(const std::string& program, const std::vector<std::stri
     posix_spawn_file_actions_adddup2(&actions, errorTarget, STDERR_FILENO);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     errno = ::posix_spawnp(&mPid, argumentTexts[0].c_str(), &actions, nullptr,
-                          Pointers(argumentTexts).data(), Pointers(environmentTexts).data());
+                          Pointers(argumentTexts).data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (mTerminal >= 0) {
         ::close(errorTarget);

@@ -21,12 +21,9 @@ struct ToolResult {
 // error can be a terminal, to see what users see at one.
 class ToolProcess {
 public:
-    // `environment` is added to the test's own. `errorTarget`, where given,
-    // is the descriptor standard error goes to.
-    ToolProcess(const std::vector<std::string>& arguments,
-                const std::map<std::string, std::string>& environment, bool errorIsTerminal,
-                int errorTarget = -1);
-    // `program` is a path, or a name looked up in PATH.
+    // `program` is a path, or a name looked up in PATH. `environment` is
+    // added to the test's own. `errorTarget`, where given, is the descriptor
+    // standard error goes to.
     ToolProcess(const std::string& program, const std::vector<std::string>& arguments,
                 const std::map<std::string, std::string>& environment, bool errorIsTerminal,
                 int errorTarget = -1);

@@ -1,8 +1,10 @@
 #include "Tools/Support/ToolTest.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 namespace Halvane::Quorvex::Testing {
 
@@ -43,11 +45,35 @@ std::vector<std::string> ToolTest::lines(const std::string& name) const
     return found;
 }
 
+std::string ToolTest::contents(const std::string& name) const
+{
+    std::ifstream file(path(name), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+std::string ToolTest::numbered(const std::string& pattern, int number)
+{
+    char name[256];
+    std::snprintf(name, sizeof(name), pattern.c_str(), number);
+    return name;
+}
+
+void ToolTest::writeSequence(const std::string& pattern, int first, int last, int width,
+                             int height, int channels,
+                             const std::function<double(int, int, int, int)>& sample) const
+{
+    for (int number = first; number <= last; ++number) {
+        TestMedia::writePicture(path(numbered(pattern, number)), width, height, channels,
+                                OIIO::TypeDesc::UINT8,
+                                [&](int x, int y, int c) { return sample(number, x, y, c); });
+    }
+}
+
 ToolResult ToolTest::run(const std::vector<std::string>& arguments,
                          const std::map<std::string, std::string>& environment,
                          bool errorIsTerminal)
 {
-    return ToolProcess(arguments, environment, errorIsTerminal).wait();
+    return ToolProcess(QUORVEX_TOOL_PATH, arguments, environment, errorIsTerminal).wait();
 }
 
 ToolResult ToolTest::runFake(std::vector<std::string> arguments,

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "Tools/Support/TestMedia.h"
 #include "Tools/Support/ToolProcess.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -24,6 +26,17 @@ protected:
     std::set<std::string> files() const;
     // The lines of a text file in the test's folder.
     std::vector<std::string> lines(const std::string& name) const;
+    // The bytes of a file in the test's folder.
+    std::string contents(const std::string& name) const;
+    // A picture file in the test's folder.
+    PictureFile picture(const std::string& name) const { return TestMedia::readPicture(path(name)); }
+
+    // The name `pattern` (printf's) gives `number`.
+    static std::string numbered(const std::string& pattern, int number);
+    // Writes 8-bit pictures `first` to `last` of a sequence named by `pattern`;
+    // `sample` is given the picture's number first.
+    void writeSequence(const std::string& pattern, int first, int last, int width, int height,
+                       int channels, const std::function<double(int, int, int, int)>& sample) const;
 
     // Runs `quorvex ARGUMENTS` as given.
     static ToolResult run(const std::vector<std::string>& arguments,
