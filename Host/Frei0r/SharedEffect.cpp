@@ -70,17 +70,6 @@ std::string OneLine(const std::string& text)
     return joined;
 }
 
-std::size_t ParameterIndex(Host::HostRuntime& runtime, const std::string& name)
-{
-    auto& parameters = runtime.parameters();
-    for (std::size_t index = 0; index < parameters.size(); ++index) {
-        if (parameters[index].name() == name) {
-            return index;
-        }
-    }
-    throw Host::HostError("the effect declares no parameter '" + name + "'");
-}
-
 }  // namespace
 
 SharedEffect& SharedEffect::process()
@@ -172,8 +161,8 @@ std::string SharedEffect::setUp()
         return mSetUpFailure;
     }
     try {
-        mGlitchTypeIndex = ParameterIndex(*mRuntime, kGlitchTypeName);
-        mSpeedIndex = ParameterIndex(*mRuntime, kSpeedName);
+        mGlitchType = &mRuntime->parameter(kGlitchTypeName);
+        mSpeed = &mRuntime->parameter(kSpeedName);
     } catch (const Host::HostError& error) {
         session->globalSetdown();
         setDown();
@@ -189,6 +178,8 @@ void SharedEffect::setDown()
         mSession->globalSetdown();
     }
     mSession.reset();
+    mGlitchType = nullptr;
+    mSpeed = nullptr;
     mModule.reset();
     mRuntime.reset();
     mInputWorld.reset();
@@ -215,12 +206,11 @@ std::string SharedEffect::renderLocked(const Frame& frame, const Settings& setti
         for (A_long x = 0; x < width; ++x, source += 4) {
             row[x] = PF_Pixel8{source[3], source[0], source[1], source[2]};
         }
-        // A fresh transparent output, as `quorvex` gives: nothing of another
-        // instance's frame can show through.
-        std::memset(mOutputWorld->row(y), 0, static_cast<std::size_t>(width) * sizeof(PF_Pixel8));
     }
-    mRuntime->parameters()[mGlitchTypeIndex].setValue(settings.glitchType);
-    mRuntime->parameters()[mSpeedIndex].setValue(settings.speed);
+    // Nothing of another instance's frame can show through.
+    mOutputWorld->clear();
+    mGlitchType->setValue(settings.glitchType);
+    mSpeed->setValue(settings.speed);
 
     if (const PF_Err status = mSession->renderFrame(*mInputWorld, *mOutputWorld, time)) {
         return Failure("the effect could not render a " + std::to_string(frame.width) + "x" +

@@ -14,6 +14,7 @@
 namespace Halvane::Quorvex::Host {
 class EffectSession;
 class HostRuntime;
+class ParameterTrack;
 class PluginModule;
 class World;
 }  // namespace Halvane::Quorvex::Host
@@ -77,8 +78,9 @@ private:
     std::unique_ptr<Host::EffectSession> mSession;
     std::unique_ptr<Host::World> mInputWorld;
     std::unique_ptr<Host::World> mOutputWorld;
-    std::size_t mGlitchTypeIndex = 0;
-    std::size_t mSpeedIndex = 0;
+    // The effect's two parameters, found by name once it declared them.
+    Host::ParameterTrack* mGlitchType = nullptr;
+    Host::ParameterTrack* mSpeed = nullptr;
 };
 
 }  // namespace Halvane::Quorvex::Frei0r

@@ -21,26 +21,21 @@ StandardErrorCapture::~StandardErrorCapture()
 
 void StandardErrorCapture::begin()
 {
-    if (mCapture < 0 || mSavedError >= 0) {
+    if (mCapture < 0 || mRedirect) {
         return;
     }
-    std::fflush(stderr);
-    mSavedError = ::dup(STDERR_FILENO);
-    if (mSavedError >= 0 && ::dup2(mCapture, STDERR_FILENO) < 0) {
-        ::close(mSavedError);
-        mSavedError = -1;
+    mRedirect.emplace(STDERR_FILENO, mCapture);
+    if (!mRedirect->active()) {
+        mRedirect.reset();
     }
 }
 
 std::string StandardErrorCapture::end()
 {
-    if (mSavedError < 0) {
+    if (!mRedirect) {
         return std::string();
     }
-    std::fflush(stderr);
-    ::dup2(mSavedError, STDERR_FILENO);
-    ::close(mSavedError);
-    mSavedError = -1;
+    mRedirect.reset();
 
     std::string text;
     char buffer[4096];

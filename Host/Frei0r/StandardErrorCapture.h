@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Runtime/DescriptorRedirect.h"
+
+#include <optional>
 #include <string>
 
 namespace Halvane::Quorvex::Frei0r {
@@ -24,7 +27,7 @@ public:
 
 private:
     int mCapture = -1;
-    int mSavedError = -1;
+    std::optional<Host::DescriptorRedirect> mRedirect;
 };
 
 }  // namespace Halvane::Quorvex::Frei0r

@@ -451,6 +451,16 @@ ParameterTrack& HostRuntime::parameter(PF_ParamIndex index)
     return mParameters[static_cast<std::size_t>(index - 1)];
 }
 
+ParameterTrack& HostRuntime::parameter(const std::string& name)
+{
+    for (ParameterTrack& track : mParameters) {
+        if (track.name() == name) {
+            return track;
+        }
+    }
+    throw HostError("the effect declares no parameter '" + name + "'");
+}
+
 void HostRuntime::clearParameters()
 {
     mParameters.clear();

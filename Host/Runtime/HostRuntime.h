@@ -73,6 +73,8 @@ public:
     std::vector<ParameterTrack>& parameters() { return mParameters; }
     // Throws HostError for an index the effect did not add.
     ParameterTrack& parameter(PF_ParamIndex index);
+    // The effect's parameter of that name; throws HostError when it has none.
+    ParameterTrack& parameter(const std::string& name);
     void clearParameters();
     int openParamCheckouts() const;
 

@@ -88,6 +88,14 @@ const unsigned char* World::row(A_long y) const
     return mPixels.get() + static_cast<std::size_t>(y) * static_cast<std::size_t>(mLayer.rowbytes);
 }
 
+void World::clear()
+{
+    const std::size_t used = static_cast<std::size_t>(mLayer.width) * pixelSize();
+    for (A_long y = 0; y < mLayer.height; ++y) {
+        std::memset(row(y), 0, used);
+    }
+}
+
 bool World::paddingIntact() const
 {
     const std::size_t used = static_cast<std::size_t>(mLayer.width) * pixelSize();

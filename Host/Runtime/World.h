@@ -40,6 +40,10 @@ public:
     unsigned char* row(A_long y);
     const unsigned char* row(A_long y) const;
 
+    // Every pixel transparent black, the padding left as it is: a host's
+    // fresh output, through which nothing of an earlier frame can show.
+    void clear();
+
     // Whether every padding byte still holds the marker.
     bool paddingIntact() const;
 

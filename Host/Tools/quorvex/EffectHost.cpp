@@ -106,12 +106,7 @@ RgbaFrame EffectHost::render(const RgbaFrame& input, PixelDepth depth, const Hos
         }
     }
     FrameConverter::toWorld(input, *mInputWorld);
-    // A fresh transparent output each frame: nothing of the last frame can
-    // show through a frame the effect leaves untouched.
-    for (A_long y = 0; y < mOutputWorld->height(); ++y) {
-        std::fill_n(mOutputWorld->row(y),
-                    static_cast<std::size_t>(mOutputWorld->width()) * mOutputWorld->pixelSize(), 0);
-    }
+    mOutputWorld->clear();
     if (const PF_Err status = mOutput.around(
             [&] { return mSession->renderFrame(*mInputWorld, *mOutputWorld, time); })) {
         throw failure("to render " + label + " (" + std::to_string(input.width()) + "x" +

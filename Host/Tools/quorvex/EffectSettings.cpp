@@ -3,6 +3,7 @@
 #include "NumberText.h"
 #include "ToolError.h"
 
+#include "Runtime/HostError.h"
 #include "Runtime/HostRuntime.h"
 
 #include <cctype>
@@ -37,12 +38,11 @@ std::string Normalised(const std::string& name)
 
 Host::ParameterTrack& FindParameter(Host::HostRuntime& host, const std::string& name)
 {
-    for (Host::ParameterTrack& parameter : host.parameters()) {
-        if (parameter.name() == name) {
-            return parameter;
-        }
+    try {
+        return host.parameter(name);
+    } catch (const Host::HostError& error) {
+        throw ToolError::runtime(error.what());
     }
-    throw ToolError::runtime("the effect module declares no parameter '" + name + "'");
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <iostream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,12 +13,6 @@ namespace Halvane::Quorvex::Tools {
 namespace {
 
 constexpr off_t kKeptTail = 64 * 1024;
-
-void FlushStandardOutput()
-{
-    std::cout.flush();
-    std::fflush(stdout);
-}
 
 }  // namespace
 
@@ -64,27 +57,6 @@ std::string ModuleOutput::kept() const
     const ssize_t count = ::pread(mKeptFile, text.data(), text.size(), start);
     text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
     return text;
-}
-
-// Best effort: where a descriptor cannot be had, the module prints where it
-// would have printed anyway.
-ModuleOutput::Redirection::Redirection(int target)
-{
-    FlushStandardOutput();
-    mSaved = ::dup(STDOUT_FILENO);
-    if (mSaved >= 0 && ::dup2(target, STDOUT_FILENO) < 0) {
-        ::close(mSaved);
-        mSaved = -1;
-    }
-}
-
-ModuleOutput::Redirection::~Redirection()
-{
-    if (mSaved >= 0) {
-        FlushStandardOutput();
-        ::dup2(mSaved, STDOUT_FILENO);
-        ::close(mSaved);
-    }
 }
 
 }  // namespace Halvane::Quorvex::Tools

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "Runtime/DescriptorRedirect.h"
+
 #include <string>
+#include <unistd.h>
 #include <utility>
 
 namespace Halvane::Quorvex::Tools {
@@ -24,7 +27,7 @@ public:
     template <typename Call>
     auto around(Call&& call)
     {
-        const Redirection redirection(mTarget);
+        const Host::DescriptorRedirect redirection(STDOUT_FILENO, mTarget);
         return std::forward<Call>(call)();
     }
 
@@ -33,17 +36,6 @@ public:
     std::string kept() const;
 
 private:
-    class Redirection {
-    public:
-        explicit Redirection(int target);
-        ~Redirection();
-        Redirection(const Redirection&) = delete;
-        Redirection& operator=(const Redirection&) = delete;
-
-    private:
-        int mSaved = -1;
-    };
-
     int mKeptFile = -1;
     int mTarget = -1;
 };

@@ -4,27 +4,13 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <unistd.h>
 
 namespace Halvane::Quorvex::Tools {
 
-namespace {
-
-void FlushStandardOutput()
+StandardOutputCapture::StandardOutputCapture(int descriptor)
 {
-    std::cout.flush();
-    std::cerr.flush();
-    std::fflush(nullptr);
-}
-
-}  // namespace
-
-StandardOutputCapture::StandardOutputCapture(int descriptor) : mDescriptor(descriptor)
-{
-    FlushStandardOutput();
     // An unlinked temporary file rather than a pipe: however much the
     // module prints, nothing blocks.
     std::FILE* file = std::tmpfile();
@@ -34,32 +20,30 @@ StandardOutputCapture::StandardOutputCapture(int descriptor) : mDescriptor(descr
     }
     mCapture = ::dup(fileno(file));
     std::fclose(file);
-    mSavedOutput = ::dup(mDescriptor);
-    if (mCapture < 0 || mSavedOutput < 0 || ::dup2(mCapture, mDescriptor) < 0) {
+    if (mCapture >= 0) {
+        mRedirect.emplace(descriptor, mCapture);
+    }
+    if (!mRedirect || !mRedirect->active()) {
         const std::string reason = std::strerror(errno);
-        restore();
+        mRedirect.reset();
+        if (mCapture >= 0) {
+            ::close(mCapture);
+        }
         throw ToolError::runtime("cannot capture standard output: " + reason);
     }
 }
 
 StandardOutputCapture::~StandardOutputCapture()
 {
-    restore();
-}
-
-void StandardOutputCapture::restore()
-{
-    if (mSavedOutput >= 0) {
-        FlushStandardOutput();
-        ::dup2(mSavedOutput, mDescriptor);
-        ::close(mSavedOutput);
-        mSavedOutput = -1;
+    mRedirect.reset();
+    if (mCapture >= 0) {
+        ::close(mCapture);
     }
 }
 
 std::string StandardOutputCapture::finish()
 {
-    restore();
+    mRedirect.reset();
     std::string text;
     if (mCapture < 0) {
         return text;

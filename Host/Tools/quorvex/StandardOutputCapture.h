@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Runtime/DescriptorRedirect.h"
+
+#include <optional>
 #include <string>
 
 namespace Halvane::Quorvex::Tools {
@@ -22,11 +25,8 @@ public:
     std::string finish();
 
 private:
-    void restore();
-
-    int mDescriptor;
-    int mSavedOutput = -1;
     int mCapture = -1;
+    std::optional<Host::DescriptorRedirect> mRedirect;
 };
 
 }  // namespace Halvane::Quorvex::Tools
