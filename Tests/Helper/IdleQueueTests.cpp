@@ -7,6 +7,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <numeric>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -114,9 +115,7 @@ TEST(IdleQueueTest, ManyProducersLoseNoTaskAndKeepTheirOwnOrder)
         producer.join();
     }
     Ids expected(kTasksEach);
-    for (int i = 0; i < kTasksEach; ++i) {
-        expected[i] = i;
-    }
+    std::iota(expected.begin(), expected.end(), 0);
     for (int p = 0; p < kProducers; ++p) {
         EXPECT_EQ(ran[p], expected) << "producer " << p;
     }
