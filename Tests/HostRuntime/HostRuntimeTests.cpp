@@ -72,15 +72,11 @@ protected:
     HostRuntime host;
 };
 
-TEST_F(HostRuntimeTest, OnlyOneRuntimeIsActive)
+TEST_F(HostRuntimeTest, OnlyOneRuntimeIsActiveAndItsLedgerCountsSuitesAndHandles)
 {
-    EXPECT_EQ(HostRuntime::active(), &host);
     EXPECT_THROW(HostRuntime second, HostError);
     EXPECT_EQ(HostRuntime::active(), &host);
-}
 
-TEST_F(HostRuntimeTest, TheLedgerCountsSuitesAndHandles)
-{
     const void* suite = nullptr;
     EXPECT_EQ(host.basicSuite()->AcquireSuite("PF World Suite", 2, &suite), kSPNoError);
     EXPECT_EQ(host.basicSuite()->AcquireSuite("PF World Suite", 7, &suite), kSPSuiteNotFoundError);
