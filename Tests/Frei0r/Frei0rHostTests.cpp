@@ -8,6 +8,7 @@
 #include "Tools/Support/TestMedia.h"
 
 #include <ostream>
+#include <utility>
 
 namespace Halvane::Quorvex::Testing {
 namespace {
@@ -29,10 +30,6 @@ struct Glitch {
 // frei0r value.
 const Glitch kBlockGlitch{"BlockGlitch", "0", "0.25", "block", "0.75"};
 const Glitch kBadTV{"BadTV", "0.5", "0.5", "badtv", "1.5"};
-
-enum class Host { Ffmpeg, Melt, MeltFrameThreads, GStreamer };
-
-const char* const kHostNames[] = {"ffmpeg", "melt", "melt real_time=-2", "gst-launch-1.0"};
 
 std::uint8_t ClipSample(int frame, int x, int y, int c)
 {
@@ -63,41 +60,25 @@ protected:
         ASSERT_EQ(mReference.size(), static_cast<std::size_t>(kFrames));
     }
 
-    // Runs the host on the clip with the test's glitch; the frames it wrote.
-    RawFrames renderInHost(Host host)
+    // Each host's command for the clip with the test's glitch, writing raw RGBA to out.rgba.
+    std::vector<std::pair<std::string, std::vector<std::string>>> hostCommands()
     {
         const std::string in = path("clip.mkv");
         const std::string out = path("out.rgba");
         const std::string type = GetParam().frei0rType;
         const std::string speed = GetParam().frei0rSpeed;
-        ToolResult result;
-        switch (host) {
-        case Host::Ffmpeg:
-            result = runHost("ffmpeg", {"-nostdin", "-v", "error", "-y", "-i", in, "-vf",
-                                        "frei0r=quorvex:" + type + "|" + speed, "-f", "rawvideo",
-                                        "-pix_fmt", "rgba", out});
-            break;
-        case Host::Melt:
-        case Host::MeltFrameThreads: {
-            std::vector<std::string> arguments{
-                "-silent", "-quiet", in, "-filter", "frei0r.quorvex", "0=" + type, "1=" + speed,
-                "-consumer", "avformat:" + out, "f=rawvideo", "vcodec=rawvideo", "pix_fmt=rgba"};
-            if (host == Host::MeltFrameThreads) {
-                arguments.push_back("real_time=-2");
-            }
-            result = runHost("melt", arguments);
-            break;
-        }
-        case Host::GStreamer:
-            result = runHost("gst-launch-1.0",
-                             {"-q", "filesrc", "location=" + in, "!", "matroskademux", "!",
-                              "avdec_ffv1", "!", "videoconvert", "!", "video/x-raw,format=RGBA",
-                              "!", "frei0r-filter-quorvex", "glitch-type=" + type,
-                              "speed=" + speed, "!", "filesink", "location=" + out});
-            break;
-        }
-        EXPECT_TRUE(Succeeded(result));
-        return readRawFrames(out, kWidth, kHeight);
+        const std::vector<std::string> melt{"-silent", "-quiet", in, "-filter", "frei0r.quorvex", "0=" + type,
+                                            "1=" + speed, "-consumer", "avformat:" + out, "f=rawvideo",
+                                            "vcodec=rawvideo", "pix_fmt=rgba"};
+        std::vector<std::string> meltFrameThreads = melt;
+        meltFrameThreads.push_back("real_time=-2");
+        return {{"ffmpeg", {"-nostdin", "-v", "error", "-y", "-i", in, "-vf", "frei0r=quorvex:" + type + "|" + speed,
+                            "-f", "rawvideo", "-pix_fmt", "rgba", out}},
+                {"melt", melt},
+                {"melt", meltFrameThreads},
+                {"gst-launch-1.0", {"-q", "filesrc", "location=" + in, "!", "matroskademux", "!", "avdec_ffv1", "!",
+                                    "videoconvert", "!", "video/x-raw,format=RGBA", "!", "frei0r-filter-quorvex",
+                                    "glitch-type=" + type, "speed=" + speed, "!", "filesink", "location=" + out}}};
     }
 
     RawFrames mReference;
@@ -105,9 +86,10 @@ protected:
 
 TEST_P(Frei0rHostsTest, EveryFrameIsTheFrameOfQuorvexRender)
 {
-    for (const Host host : {Host::Ffmpeg, Host::Melt, Host::MeltFrameThreads, Host::GStreamer}) {
-        SCOPED_TRACE(kHostNames[static_cast<int>(host)]);
-        EXPECT_TRUE(FramesAgree(renderInHost(host), mReference, kWidth, 1));
+    for (const auto& [program, arguments] : hostCommands()) {
+        SCOPED_TRACE(program + " " + arguments.back());
+        EXPECT_TRUE(Succeeded(runHost(program, arguments)));
+        EXPECT_TRUE(FramesAgree(readRawFrames(path("out.rgba"), kWidth, kHeight), mReference, kWidth, 1));
     }
 }
 

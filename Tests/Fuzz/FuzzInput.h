@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -46,5 +48,14 @@ private:
     std::size_t mSize;
     std::size_t mOffset = 0;
 };
+
+// Stops the fuzzer on a broken promise, naming it and the text it broke on.
+inline void Require(bool condition, const char* what, const std::string& text = "")
+{
+    if (!condition) {
+        std::fprintf(stderr, "broken promise: %s, for \"%s\"\n", what, text.c_str());
+        std::abort();
+    }
+}
 
 }  // namespace Halvane::Quorvex::Testing

@@ -12,23 +12,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 int main(int argc, char** argv)
 {
-    std::vector<std::filesystem::path> files;
+    std::size_t replayed = 0;
+    const auto replay = [&replayed](const std::filesystem::path& file) {
+        std::ifstream stream(file, std::ios::binary);
+        const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+        ++replayed;
+    };
     for (int i = 1; i < argc; ++i) {
         if (!std::filesystem::is_directory(argv[i])) {
-            files.emplace_back(argv[i]);
+            replay(argv[i]);
             continue;
         }
         for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
             if (entry.is_regular_file()) {
-                files.push_back(entry.path());
+                replay(entry.path());
             }
         }
     }
-    for (const std::filesystem::path& file : files) {
-        std::ifstream stream(file, std::ios::binary);
-        const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-    }
-    std::printf("replayed %zu inputs\n", files.size());
-    return files.empty() ? 1 : 0;
+    std::printf("replayed %zu inputs\n", replayed);
+    return replayed == 0 ? 1 : 0;
 }

@@ -13,9 +13,6 @@
 #include "Runtime/PluginModule.h"
 #include "Runtime/World.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -27,14 +24,6 @@ using Host::World;
 
 // Frames stay small: llvmpipe draws every one, and the fuzzer needs many.
 constexpr unsigned kLargestSide = 64;
-
-void Require(bool condition, const char* what)
-{
-    if (!condition) {
-        std::fprintf(stderr, "module frame fuzz target: %s\n", what);
-        std::abort();
-    }
-}
 
 // The host of every input: set up once, as a real host keeps an effect
 // loaded from frame to frame.
@@ -61,16 +50,11 @@ struct LoadedEffect {
     }
 };
 
-PF_PixelFormat TakeFormat(FuzzInput& input)
+std::unique_ptr<World> TakeWorld(FuzzInput& input)
 {
     const PF_PixelFormat known[] = {PF_PixelFormat_ARGB32, PF_PixelFormat_ARGB64, PF_PixelFormat_ARGB128};
     const unsigned choice = input.upTo(7);
-    return choice < 3 ? known[choice] : choice < 6 ? known[0] : input.take<PF_PixelFormat>();
-}
-
-std::unique_ptr<World> TakeWorld(FuzzInput& input)
-{
-    const PF_PixelFormat format = TakeFormat(input);
+    const PF_PixelFormat format = choice < 3 ? known[choice] : choice < 6 ? known[0] : input.take<PF_PixelFormat>();
     const auto width = static_cast<A_long>(input.upTo(kLargestSide));
     const auto height = static_cast<A_long>(input.upTo(kLargestSide));
     const auto padding = static_cast<A_long>(World::pixelSize(format) / 4 * input.upTo(7));

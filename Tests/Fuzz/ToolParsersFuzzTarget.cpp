@@ -13,19 +13,10 @@
 #include "ToolError.h"
 
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
+#include <functional>
 
 namespace Halvane::Quorvex::Testing {
 namespace {
-
-void Require(bool condition, const char* what, const std::string& text)
-{
-    if (!condition) {
-        std::fprintf(stderr, "tool parsers fuzz target: %s, for \"%s\"\n", what, text.c_str());
-        std::abort();
-    }
-}
 
 void ParseKeyframes(const std::string& text)
 {
@@ -66,12 +57,9 @@ void ParseRate(const std::string& text)
 
 void ParsePattern(const std::string& text, long number)
 {
-    if (!Tools::ImageSequencePattern::isPattern(text)) {
-        return;
+    if (Tools::ImageSequencePattern::isPattern(text)) {
+        Require(!Tools::ImageSequencePattern(text).pathOf(number).empty(), "a sequence pattern names no file", text);
     }
-    const Tools::ImageSequencePattern pattern(text);
-    const std::string path = pattern.pathOf(number);
-    Require(!path.empty(), "a sequence pattern names no file", text);
 }
 
 }  // namespace
@@ -85,24 +73,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const unsigned parser = input.upTo(255) % 5;
     const long number = input.take<std::int32_t>();
     const std::string text = input.text();
+    const std::function<void()> parsers[] = {[&] { ParseKeyframes(text); }, [&] { ParseRange(text); },
+                                             [&] { ParseRate(text); }, [&] { ParsePattern(text, number); },
+                                             [&] { Tools::ParseDepthOption(text); }};
     try {
-        switch (parser) {
-        case 0:
-            ParseKeyframes(text);
-            break;
-        case 1:
-            ParseRange(text);
-            break;
-        case 2:
-            ParseRate(text);
-            break;
-        case 3:
-            ParsePattern(text, number);
-            break;
-        default:
-            Tools::ParseDepthOption(text);
-            break;
-        }
+        parsers[parser]();
     } catch (const Tools::ToolError& error) {
         Require(std::string(error.what()).size() > 0, "a refusal without a message", text);
     }

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <numeric>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -16,78 +17,47 @@ namespace {
 
 using Ids = std::vector<int>;
 
-TEST(IdleQueueTest, RunsOneTaskPerUpdateOldestFirstAndARunningTaskMayQueueMore)
-{
-    IdleQueue queue;
-    Ids ran;
-    bool seenWhileRunning = true;
-    queue.updateQueue();
-    queue.async([&] {
-        seenWhileRunning = queue.hasTask();
-        queue.async([&ran] { ran.push_back(3); });
-        ran.push_back(0);
-    });
-    for (int i = 1; i < 3; ++i) {
-        queue.async([&ran, i] { ran.push_back(i); });
-    }
-
-    queue.updateQueue();
-    EXPECT_EQ(ran, Ids{0}) << "not one task per update";
-    EXPECT_TRUE(seenWhileRunning) << "the queue looked empty while two tasks waited";
-    queue.updateQueue();
-    queue.updateQueue();
-    EXPECT_TRUE(queue.hasTask());
-    queue.updateQueue();
-    EXPECT_EQ(ran, (Ids{0, 1, 2, 3}));
-    EXPECT_FALSE(queue.hasTask());
-    queue.updateQueue();
-    EXPECT_EQ(ran.size(), 4u);
-
-    // A task being run no longer counts as waiting.
-    queue.async([&] { seenWhileRunning = queue.hasTask(); });
-    queue.updateQueue();
-    EXPECT_FALSE(seenWhileRunning);
-}
-
-TEST(IdleQueueTest, ClearingAndDestroyingDropTasksUnrun)
+TEST(IdleQueueTest, RunsOneTaskPerUpdateOldestFirstAndGoesOnAfterFailuresAndClears)
 {
     auto token = std::make_shared<int>(0);
-    bool ran = false;
+    Ids ran;
     {
         IdleQueue queue;
-        queue.async([token, &ran] { ran = true; });
-        queue.async([token, &ran] { ran = true; });
+        bool seenWhileRunning = false;
+        queue.async([&] {
+            seenWhileRunning = queue.hasTask();
+            queue.async([&ran] { ran.push_back(2); });
+            ran.push_back(0);
+        });
+        queue.async([&ran] { ran.push_back(1); });
+        queue.updateQueue();
+        EXPECT_EQ(ran, Ids{0}) << "not one task per update";
+        EXPECT_TRUE(seenWhileRunning) << "the queue looked empty while a task waited";
+        queue.updateQueue();
+        queue.updateQueue();
+        EXPECT_EQ(ran, (Ids{0, 1, 2}));
+        EXPECT_FALSE(queue.hasTask());
+
+        // A failing task reaches the caller and the queue goes on.
+        queue.async(std::function<void()>());
+        queue.async([] { throw std::runtime_error("task failed"); });
+        queue.async([&] { seenWhileRunning = queue.hasTask(); });
+        EXPECT_THROW(queue.updateQueue(), std::bad_function_call);
+        EXPECT_THROW(queue.updateQueue(), std::runtime_error);
+        queue.updateQueue();
+        EXPECT_FALSE(seenWhileRunning) << "a task being run still counted as waiting";
+
+        // Cleared tasks, and those left at the end, are dropped unrun.
+        queue.async([token, &ran] { ran.push_back(3); });
         queue.clearAsyncQueue();
         EXPECT_EQ(token.use_count(), 1) << "cleared tasks still held";
         EXPECT_FALSE(queue.hasTask());
+        queue.async([&ran] { ran.push_back(5); });
         queue.updateQueue();
-        EXPECT_FALSE(ran);
-
-        queue.async([&ran] { ran = true; });
-        queue.updateQueue();
-        EXPECT_TRUE(ran) << "the queue is unusable after a clear";
-
-        ran = false;
-        queue.async([token, &ran] { ran = true; });
+        queue.async([token, &ran] { ran.push_back(4); });
     }
-    EXPECT_FALSE(ran);
+    EXPECT_EQ(ran, (Ids{0, 1, 2, 5})) << "a cleared task ran, or the queue was unusable after a clear";
     EXPECT_EQ(token.use_count(), 1);
-}
-
-TEST(IdleQueueTest, AFailingTaskReachesTheCallerAndLeavesTheQueueUsable)
-{
-    IdleQueue queue;
-    Ids ran;
-    queue.async(std::function<void()>());
-    queue.async([] { throw std::runtime_error("task failed"); });
-    queue.async([&ran] { ran.push_back(3); });
-
-    EXPECT_THROW(queue.updateQueue(), std::bad_function_call);
-    EXPECT_THROW(queue.updateQueue(), std::runtime_error);
-    EXPECT_TRUE(queue.hasTask());
-    queue.updateQueue();
-    EXPECT_EQ(ran, Ids{3});
-    EXPECT_FALSE(queue.hasTask());
 }
 
 TEST(IdleQueueTest, ManyProducersLoseNoTaskAndKeepTheirOwnOrder)
@@ -114,9 +84,7 @@ TEST(IdleQueueTest, ManyProducersLoseNoTaskAndKeepTheirOwnOrder)
         producer.join();
     }
     Ids expected(kTasksEach);
-    for (int i = 0; i < kTasksEach; ++i) {
-        expected[i] = i;
-    }
+    std::iota(expected.begin(), expected.end(), 0);
     for (int p = 0; p < kProducers; ++p) {
         EXPECT_EQ(ran[p], expected) << "producer " << p;
     }

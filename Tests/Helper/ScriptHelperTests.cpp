@@ -45,7 +45,7 @@ protected:
     Lines scripts;
 };
 
-TEST_F(ScriptHelperTest, ReturnsTheResultTextAsGivenAndReleasesTheSuitesInReverse)
+TEST_F(ScriptHelperTest, ReturnsWhatTextThereIsAsGivenAndReleasesTheSuitesInReverse)
 {
     answer({A_Err_NONE, std::string(" 42 \n"), std::string("ignored")});
     EXPECT_EQ(run(), " 42 \n");
@@ -53,11 +53,8 @@ TEST_F(ScriptHelperTest, ReturnsTheResultTextAsGivenAndReleasesTheSuitesInRevers
     EXPECT_EQ(suiteLog(host.suites()),
               (Lines{"Acquired " kAEGPUtilitySuite " 11", "Acquired " kAEGPMemorySuite " 1",
                      "Released " kAEGPMemorySuite " 1", "Released " kAEGPUtilitySuite " 11"}));
-}
 
-TEST_F(ScriptHelperTest, ScriptErrorsOnlyShowAsAMissingResult)
-{
-    // The status is not examined: what text there is comes back.
+    // The status is not examined: script errors only show as a missing result.
     answer({A_Err_GENERIC, std::string("partial"), std::string("SyntaxError")});
     EXPECT_EQ(run(), "partial");
 

@@ -76,65 +76,41 @@ private:
     Ids mOrder;
 };
 
-TEST(SemaphoreTest, TheCountServesWaitsBeforeAnyoneBlocksAndSignalOfZeroAddsNothing)
+TEST(SemaphoreTest, CountsSignalsWakesTheLastToBlockFirstAndSignalAllOnlyThoseBlocked)
 {
     Semaphore semaphore(2);
     Waiters waiters(semaphore);
     semaphore.wait();
     semaphore.wait();
     semaphore.signal(0);
-    ASSERT_TRUE(waiters.startBlocked()) << "a start count of 2 served a third wait, or signal(0) raised the count";
-    semaphore.signal(0);
-    EXPECT_EQ(semaphore.blockedCount(), 1u) << "signal(0) woke a thread";
+    semaphore.signalAll();
+    ASSERT_TRUE(waiters.startBlocked()) << "a count of 2 served a third wait, or signal(0) or signalAll raised it";
+    for (int i = 1; i < 4; ++i) {
+        ASSERT_TRUE(waiters.startBlocked());
+    }
 
+    semaphore.signal(0);
     semaphore.signal();
-    EXPECT_EQ(waiters.woken(1), Ids{0});
+    EXPECT_EQ(semaphore.blockedCount(), 3u) << "signal(0) woke a thread, or signal() not exactly one";
+    EXPECT_EQ(waiters.woken(1), Ids{3});
+    semaphore.signal(2);
+    Ids woken = waiters.woken(3);
+    std::sort(woken.begin() + 1, woken.end());
+    EXPECT_EQ(woken, (Ids{3, 1, 2})) << "the first to block waits longest";
+
+    ASSERT_TRUE(waiters.startBlocked());
+    semaphore.signalAll();
+    EXPECT_EQ(semaphore.blockedCount(), 0u);
+    EXPECT_EQ(waiters.woken(5).size(), 5u);
+    ASSERT_TRUE(waiters.startBlocked()) << "a thread arriving after signalAll got through";
+    semaphore.signal();
+    EXPECT_EQ(waiters.woken(6).back(), 5);
 
     // Signals with nobody blocked are kept for later waits.
     semaphore.signal(2);
     semaphore.wait();
     semaphore.wait();
     EXPECT_TRUE(waiters.startBlocked());
-}
-
-TEST(SemaphoreTest, SignalsWakeTheLastThreadToBlockFirst)
-{
-    Semaphore semaphore(0);
-    Waiters waiters(semaphore);
-    for (int i = 0; i < 4; ++i) {
-        ASSERT_TRUE(waiters.startBlocked());
-    }
-
-    semaphore.signal();
-    EXPECT_EQ(semaphore.blockedCount(), 3u);
-    EXPECT_EQ(waiters.woken(1), Ids{3});
-
-    semaphore.signal(2);
-    EXPECT_EQ(semaphore.blockedCount(), 1u);
-    Ids woken = waiters.woken(3);
-    std::sort(woken.begin() + 1, woken.end());
-    EXPECT_EQ(woken, (Ids{3, 1, 2})) << "the first to block waits longest";
-
-    semaphore.signal();
-    EXPECT_EQ(waiters.woken(4).back(), 0);
-}
-
-TEST(SemaphoreTest, SignalAllWakesExactlyThoseBlockedAtTheCall)
-{
-    Semaphore semaphore(0);
-    Waiters waiters(semaphore);
-    semaphore.signalAll();
-    ASSERT_TRUE(waiters.startBlocked()) << "signalAll with nobody blocked raised the count";
-    ASSERT_TRUE(waiters.startBlocked());
-    ASSERT_TRUE(waiters.startBlocked());
-
-    semaphore.signalAll();
-    EXPECT_EQ(semaphore.blockedCount(), 0u);
-    EXPECT_EQ(waiters.woken(3).size(), 3u);
-
-    ASSERT_TRUE(waiters.startBlocked()) << "a thread arriving after signalAll got through";
-    semaphore.signal();
-    EXPECT_EQ(waiters.woken(4).back(), 3);
 }
 
 }  // namespace
