@@ -6,14 +6,10 @@
 #include "HostTypes.h"
 #include "Support/GLContextTest.h"
 
-#include <glbinding/gl/gl.h>
-
 #include <chrono>
 #include <future>
 #include <thread>
 #include <vector>
-
-using namespace gl;
 
 namespace Halvane::Quorvex::Testing {
 namespace {
@@ -45,15 +41,12 @@ protected:
     static GLPlatform::ContextId idOf(const AEOpenGLContext* context) { return GLPlatform::id(context->nsContext()); }
 
     // The render context of a new thread, asked for there.
-    static AEOpenGLContext* renderContextOfANewThread(const std::function<void(AEOpenGLContext*)>& work = {})
+    static AEOpenGLContext* renderContextOfANewThread()
     {
         AEOpenGLContext* context = nullptr;
         std::thread thread([&] {
             context = AEOpenGLContextManager::getCurrentRenderContext();
             context->makeContextCurrent();
-            if (work) {
-                work(context);
-            }
             releaseCurrent();
         });
         thread.join();
@@ -94,23 +87,6 @@ TEST_F(AEOpenGLContextManagerTest, ThreadsGetTheirOwnContextOnceAndReleaseGoesIn
     ASSERT_NE(again, nullptr);
     EXPECT_NE(idOf(again), expected[0]);
     EXPECT_EQ(GLPlatform::currentHandle(), again->cglContext());
-}
-
-TEST_F(AEOpenGLContextManagerTest, WithoutASharedDataContextARenderContextStandsAlone)
-{
-    ASSERT_EQ(AEOpenGLContextManager::getSharedDataContext(), nullptr);
-
-    GLPlatform::ContextId current = 0;
-    GLuint texture = 0;
-    AEOpenGLContext* context = renderContextOfANewThread([&](AEOpenGLContext*) {
-        current = GLPlatform::currentContextId();
-        glGenTextures(1, &texture);
-        glBindTexture(GL_TEXTURE_2D, texture);
-    });
-
-    ASSERT_NE(context, nullptr);
-    EXPECT_EQ(current, idOf(context));
-    EXPECT_NE(texture, 0u);
 }
 
 TEST_F(AEOpenGLContextManagerTest, AFailedCreationIsOneLineAndAThrownIntAndLeavesTheManagerUsable)

@@ -95,9 +95,15 @@ TEST_F(MainFrameBufferTest, PrepareMakesTargetsOnlyWhenTheSizeOrFormatChanges)
     EXPECT_EQ(liveObjects(), prepared);
     EXPECT_EQ(frame().renderBuffer(), first);
 
-    // A whole frame at each size, so that every target has been bound and exists.
+    // A whole frame at each size, so that every target has been bound and
+    // exists. A multisampled frame ends with nothing enabled or bound.
     frame().beginDrawing();
+    EXPECT_EQ(glIsEnabled(GL_MULTISAMPLE), GL_TRUE);
     frame().endDrawing(1.0f);
+    EXPECT_EQ(glIsEnabled(GL_BLEND), GL_FALSE);
+    EXPECT_EQ(glIsEnabled(GL_MULTISAMPLE), GL_FALSE);
+    EXPECT_EQ(integer(GL_VERTEX_ARRAY_BINDING), 0);
+    EXPECT_THAT(frame().renderBufferStack(), IsEmpty());
     for (const auto& [width, format] : {std::pair{6, GL_RGBA8}, std::pair{6, GL_RGBA16}}) {
         const GLuint old = frame().renderBuffer();
         const std::size_t objects = liveObjects().size();
@@ -182,11 +188,8 @@ TEST_F(MainFrameBufferTest, AStencilLevelOwnsTwoRenderbuffersAndGivesBothUp)
 TEST_F(MainFrameBufferTest, RenderTexturesAreEmptyAndSizedByTheFrameOrAVectorAndANormalLevelDrawsIntoOne)
 {
     frame().prepare(3, 2, true, GL_RGBA16);
-    const GLuint framed = frame().createRenderTexture(false);
-    EXPECT_EQ(integer(GL_TEXTURE_BINDING_2D), 0);
-    EXPECT_THAT(layout(framed), ElementsAre(GL_RGBA16, 3, 2));
-    EXPECT_THAT(takeTexture(framed), Each(0.0f));
     const GLuint sized = frame().createRenderTexture(Vec2(5.9, 3.2), false);
+    EXPECT_EQ(integer(GL_TEXTURE_BINDING_2D), 0);
     EXPECT_THAT(layout(sized), ElementsAre(GL_RGBA16, 5, 3));
     EXPECT_THAT(takeTexture(sized), Each(0.0f));
 
@@ -222,45 +225,6 @@ TEST_F(MainFrameBufferTest, RenderTexturesAreEmptyAndSizedByTheFrameOrAVectorAnd
     glGetTexImage(GL_TEXTURE_2D, 1, GL_RGBA, GL_FLOAT, mip.data());
     EXPECT_THAT(mip, Pointwise(FloatNear(0.0f), solid(2, {0.5f, 2.0f, -1.0f, 1.0f})));
     takeTexture(floats);
-}
-
-// The final pass turns premultiplied RGBA into the host's straight A, R, G, B
-// scaled to its white; a float frame shows it unclamped and unrounded.
-TEST_F(MainFrameBufferTest, TheFinalPassUnpremultipliesPutsAlphaFirstAndDividesByTheMultiplier)
-{
-    // Transparent with colour left in it, half transparent, opaque.
-    const std::vector<std::vector<float>> painted = {{0.3f, 0.6f, 0.9f, 0.0f}, {0.1f, 0.2f, 0.3f, 0.5f}, {1, 1, 1, 1}};
-    const std::vector<std::vector<float>> stored = {{0, 0, 0, 0}, {0.5f, 0.2f, 0.4f, 0.6f}, {1, 1, 1, 1}};
-    frame().prepare(2, 2, false, GL_RGBA32F);
-    for (const float multiplier : {1.0f, AEOpenGLUtilities::kMultiplier16bit}) {
-        for (std::size_t k = 0; k < painted.size(); ++k) {
-            SCOPED_TRACE(std::to_string(multiplier) + " case " + std::to_string(k));
-            frame().beginDrawing();
-            paint(painted[k][0], painted[k][1], painted[k][2], painted[k][3]);
-            frame().endDrawing(multiplier);
-            std::vector<float> read(16);
-            glReadPixels(0, 0, 2, 2, GL_RGBA, GL_FLOAT, read.data());
-            std::vector<float> expected = stored[k];
-            for (float& value : expected) {
-                value /= multiplier;
-            }
-            EXPECT_THAT(read, Pointwise(FloatNear(1e-6f), solid(4, expected)));
-        }
-    }
-}
-
-TEST_F(MainFrameBufferTest, AFrameIsDrawnMultisampledAndEndsWithNothingEnabledOrBound)
-{
-    frame().prepare(2, 2, true);
-    frame().beginDrawing();
-    EXPECT_EQ(glIsEnabled(GL_MULTISAMPLE), GL_TRUE);
-
-    frame().endDrawing(1.0f);
-
-    EXPECT_EQ(glIsEnabled(GL_BLEND), GL_FALSE);
-    EXPECT_EQ(glIsEnabled(GL_MULTISAMPLE), GL_FALSE);
-    EXPECT_EQ(integer(GL_VERTEX_ARRAY_BINDING), 0);
-    EXPECT_THAT(frame().renderBufferStack(), IsEmpty());
 }
 
 }  // namespace
