@@ -15,12 +15,6 @@ namespace {
 using Host::HostCall;
 using Host::World;
 
-// Distinct values in every channel and row, from 0 to white.
-double Pattern(A_long x, A_long y, int channel)
-{
-    return static_cast<double>((x * 7 + y * 13 + channel * 3) % 17) / 16.0;
-}
-
 class UtilitiesTest : public RenderContextTest {
 protected:
     // Runs `work`, which should throw an int, and gives the int (0 if none).
@@ -124,7 +118,9 @@ TEST_P(HostFailureTest, ThrowsTheHostsNumberGivesEverythingBackAndWritesNothing)
 {
     const HostFailure failure = GetParam();
     World world(3, 2, failure.format, failure.padding);
-    HostPixels::fill(world, Pattern);
+    // Distinct values in every channel and row, from 0 to white.
+    HostPixels::fill(world,
+                     [](A_long x, A_long y, int channel) { return ((x * 7 + y * 13 + channel * 3) % 17) / 16.0; });
     const std::vector<unsigned char> before = HostPixels::bytes(world);
     if (!failure.upload) {
         bindFrame(failure.format);
