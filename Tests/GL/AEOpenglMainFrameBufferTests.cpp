@@ -118,7 +118,7 @@ TEST_F(MainFrameBufferTest, PrepareMakesTargetsOnlyWhenTheSizeOrFormatChanges)
     }
 }
 
-TEST_F(MainFrameBufferTest, APopHandsBackWhatWasDrawnAndBringsTheLowerLevelBackUnchanged)
+TEST_F(MainFrameBufferTest, APopHandsBackWhatWasDrawnGivesUpItsRenderbuffersAndBringsTheLowerLevelBack)
 {
     for (const bool multisample : {true, false}) {
         SCOPED_TRACE(multisample ? "multisampled" : "single-sampled");
@@ -127,14 +127,24 @@ TEST_F(MainFrameBufferTest, APopHandsBackWhatWasDrawnAndBringsTheLowerLevelBackU
         frame().pushRenderContext(false, false);
         paint(1.0f, 0.0f, 0.0f, 1.0f);
         const GLuint lower = frame().renderBufferStack().back();
-        frame().pushRenderContext(true, false);
+        // The upper level owns a stencil renderbuffer beside its colour.
+        frame().pushRenderContext(true, true);
         const GLuint upper = frame().renderBufferStack().back();
-        EXPECT_EQ(renderbufferValue(upper, GL_RENDERBUFFER_SAMPLES), multisample ? frame().sampleCount() : 0);
+        ASSERT_EQ(frame().stencilBuffers().count(upper), 1u);
+        const GLuint stencil = frame().stencilBuffers().at(upper);
+        const GLint samples = multisample ? frame().sampleCount() : 0;
+        EXPECT_EQ(renderbufferValue(upper, GL_RENDERBUFFER_SAMPLES), samples);
+        EXPECT_EQ(renderbufferValue(stencil, GL_RENDERBUFFER_SAMPLES), samples);
+        EXPECT_EQ(attachment(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT), static_cast<GLint>(stencil));
+        EXPECT_EQ(AEOpenGLUtilities::CheckFramebufferStatus(), "OK");
         paint(0.25f, 0.5f, 0.75f, 0.5f);
 
         const GLuint texture = frame().popRenderContext();
 
         EXPECT_EQ(glIsRenderbuffer(upper), GL_FALSE);
+        EXPECT_EQ(glIsRenderbuffer(stencil), GL_FALSE);
+        EXPECT_THAT(frame().stencilBuffers(), IsEmpty());
+        EXPECT_EQ(attachment(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT), 0) << "the plain level kept the stencil";
         EXPECT_EQ(layout(texture)[0], static_cast<GLint>(GL_RGBA16));
         EXPECT_THAT(takeTexture(texture), Pointwise(FloatNear(1e-4f), solid(pixels, {0.25f, 0.5f, 0.75f, 0.5f})));
         EXPECT_THAT(frame().renderBufferStack(), ElementsAre(lower));
@@ -145,35 +155,8 @@ TEST_F(MainFrameBufferTest, APopHandsBackWhatWasDrawnAndBringsTheLowerLevelBackU
     EXPECT_GT(frame().sampleCount(), 0);
     EXPECT_LE(frame().sampleCount(), 8);
 
-    // With no level open a pop hands back nothing, and closing the frame does nothing.
-    const auto before = liveObjects();
-    const GLint bound = integer(GL_DRAW_FRAMEBUFFER_BINDING);
-    EXPECT_EQ(frame().popRenderContext(), 0u);
-    frame().endDrawing(1.0f);
-    EXPECT_EQ(liveObjects(), before);
-    EXPECT_EQ(integer(GL_DRAW_FRAMEBUFFER_BINDING), bound);
-}
-
-TEST_F(MainFrameBufferTest, AStencilLevelOwnsTwoRenderbuffersAndGivesBothUp)
-{
-    frame().prepare(2, 2, true);
-    frame().pushRenderContext(false, false);
-    frame().pushRenderContext(false, true);
-    const GLuint colour = frame().renderBufferStack().back();
-    ASSERT_EQ(frame().stencilBuffers().count(colour), 1u);
-    const GLuint stencil = frame().stencilBuffers().at(colour);
-    EXPECT_EQ(attachment(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT), static_cast<GLint>(stencil));
-    EXPECT_EQ(renderbufferValue(stencil, GL_RENDERBUFFER_SAMPLES), frame().sampleCount());
-    EXPECT_EQ(AEOpenGLUtilities::CheckFramebufferStatus(), "OK");
-
-    takeTexture(frame().popRenderContext());
-
-    EXPECT_EQ(glIsRenderbuffer(colour), GL_FALSE);
-    EXPECT_EQ(glIsRenderbuffer(stencil), GL_FALSE);
-    EXPECT_THAT(frame().stencilBuffers(), IsEmpty());
-    EXPECT_EQ(attachment(GL_FRAMEBUFFER, GL_STENCIL_ATTACHMENT), 0) << "the plain level kept the stencil";
-
     // clearStack deletes every level, stencils included.
+    frame().pushRenderContext(false, false);
     frame().pushRenderContext(false, true);
     std::vector<GLuint> names = frame().renderBufferStack();
     names.push_back(frame().stencilBuffers().begin()->second);
@@ -183,6 +166,14 @@ TEST_F(MainFrameBufferTest, AStencilLevelOwnsTwoRenderbuffersAndGivesBothUp)
     for (GLuint name : names) {
         EXPECT_EQ(glIsRenderbuffer(name), GL_FALSE) << name;
     }
+
+    // With no level open a pop hands back nothing, and closing the frame does nothing.
+    const auto before = liveObjects();
+    const GLint bound = integer(GL_DRAW_FRAMEBUFFER_BINDING);
+    EXPECT_EQ(frame().popRenderContext(), 0u);
+    frame().endDrawing(1.0f);
+    EXPECT_EQ(liveObjects(), before);
+    EXPECT_EQ(integer(GL_DRAW_FRAMEBUFFER_BINDING), bound);
 }
 
 TEST_F(MainFrameBufferTest, RenderTexturesAreEmptyAndSizedByTheFrameOrAVectorAndANormalLevelDrawsIntoOne)
