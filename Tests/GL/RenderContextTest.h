@@ -48,21 +48,6 @@ protected:
 
     static AEOpenglMainFrameBuffer& frame() { return *AEOpenglMainFrameBuffer::mainFrameBuffer(); }
 
-    // The RGBA floats of level 0 of a 2D texture, rows bottom first.
-    static std::vector<float> textureContents(gl::GLuint texture)
-    {
-        using namespace gl;
-        GLint width = 0;
-        GLint height = 0;
-        glBindTexture(GL_TEXTURE_2D, texture);
-        glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width);
-        glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &height);
-        std::vector<float> values(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
-        glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_FLOAT, values.data());
-        glBindTexture(GL_TEXTURE_2D, 0);
-        return values;
-    }
-
     // The GL objects alive in the current context among the first names of
     // each kind, as "kind name": what a step made or deleted shows as a
     // difference of two of these.

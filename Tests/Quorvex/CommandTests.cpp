@@ -11,17 +11,7 @@ namespace {
 
 using Host::HostCall;
 
-class CommandTest : public LoadedModuleTest {
-protected:
-    // Calls the entry point with records filled with a pattern, so that any
-    // byte the effect writes shows.
-    PF_Err callWithPattern(PF_Cmd cmd, PF_OutData& out_data, void* extra = nullptr)
-    {
-        std::memset(&out_data, 0x5A, sizeof(out_data));
-        PF_InData in_data = host.inData();
-        return module.call(cmd, &in_data, &out_data, nullptr, nullptr, extra);
-    }
-};
+using CommandTest = LoadedModuleTest;
 
 TEST_F(CommandTest, CommandsOutsideTheTableAndABareSetdownReturnZeroAndTouchNothing)
 {
@@ -31,9 +21,11 @@ TEST_F(CommandTest, CommandsOutsideTheTableAndABareSetdownReturnZeroAndTouchNoth
                                PF_Cmd_FRAME_SETUP, PF_Cmd_RENDER, PF_Cmd_FRAME_SETDOWN, PF_Cmd_EVENT,
                                PF_Cmd_USER_CHANGED_PARAM, PF_Cmd_COMPLETELY_GENERAL, PF_Cmd_ARBITRARY_CALLBACK,
                                PF_Cmd_NUM_CMDS, 1000, -1};
+    // Records filled with a pattern show any byte the effect writes.
     for (PF_Cmd cmd : commands) {
-        PF_OutData out_data;
-        EXPECT_EQ(callWithPattern(cmd, out_data), PF_Err_NONE) << "command " << cmd;
+        PF_OutData out_data = untouched;
+        PF_InData in_data = host.inData();
+        EXPECT_EQ(module.call(cmd, &in_data, &out_data, nullptr, nullptr, nullptr), PF_Err_NONE) << "command " << cmd;
         EXPECT_EQ(std::memcmp(&out_data, &untouched, sizeof(out_data)), 0) << "command " << cmd;
     }
     EXPECT_TRUE(host.suites().log().empty());
@@ -56,8 +48,6 @@ TEST_F(CommandTest, AboutNeedsNoSetupAndAMissingSuiteAnswers516WithoutAMessage)
     host.failures().failSuite(kAEGPUtilitySuite, 13);
     EXPECT_EQ(session.globalSetup(), PF_Err_BAD_CALLBACK_PARAM);
     EXPECT_EQ(session.outData().my_version, 0x80001u);
-    EXPECT_EQ(session.outData().out_flags, 0x2008002);
-    EXPECT_EQ(session.outData().out_flags2, 0x1400);
     EXPECT_EQ(host.failures().calls(HostCall::RegisterWithAEGP), 0);
     EXPECT_TRUE(session.errorMessage().empty());
     EXPECT_EQ(session.globalSetdown(), PF_Err_NONE);

@@ -5,7 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <vector>
@@ -30,14 +29,13 @@ protected:
         const PF_EffectWorld inputRecord = *input.layer();
         const PF_EffectWorld outputRecord = *output.layer();
         tamper(*input.layer(), *output.layer());
-        ::testing::internal::CaptureStderr();
-        const PF_Err err = render(input, output, 0.5, GlitchType::BadTV, speed);
-        const std::string error = ::testing::internal::GetCapturedStderr();
+        PF_Err err = PF_Err_NONE;
+        const std::string error = standardErrorOf([&] { err = render(input, output, 0.5, GlitchType::BadTV, speed); });
         *input.layer() = inputRecord;
         *output.layer() = outputRecord;
         EXPECT_EQ(err, PF_Err_BAD_CALLBACK_PARAM);
         EXPECT_THAT(error, ::testing::HasSubstr(said));
-        EXPECT_EQ(std::count(error.begin(), error.end(), '\n'), 1) << error;
+        EXPECT_EQ(occurrences(error, "\n"), 1u) << error;
         EXPECT_EQ(HostPixels::bytes(output), marked);
     }
 };
@@ -62,10 +60,9 @@ TEST_F(HostileHostTest, UnusableWorldsAndSpeedsEndTheFrameWithALine)
         expectRefused(*input, output, tamper, said);
     }
 
-    World eightBitOutput(20, 12, PF_PixelFormat_ARGB32);
-    expectRefused(*input, eightBitOutput, [](PF_EffectWorld&, PF_EffectWorld&) {}, "pixel format \"argb\" differs from the input's \"ae16\"");
-
     const auto none = [](PF_EffectWorld&, PF_EffectWorld&) {};
+    World eightBitOutput(20, 12, PF_PixelFormat_ARGB32);
+    expectRefused(*input, eightBitOutput, none, "pixel format \"argb\" differs from the input's \"ae16\"");
     expectRefused(*input, output, none, "Speed nan is not a finite number", std::nan(""));
     expectRefused(*input, output, none, "Speed inf is not a finite number", std::numeric_limits<double>::infinity());
     expectRefused(*input, output, none, "beyond single precision", 1e300);

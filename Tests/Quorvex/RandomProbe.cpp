@@ -62,7 +62,7 @@ void main() {
 }
 )glsl";
 
-// The first channel of each pixel of a one-row float target drawn with `fragment`.
+// The red channel of each pixel of a one-row float target drawn with `fragment`.
 std::vector<float> Evaluate(const char* fragment, float iTime, int count)
 {
     const GLTexture texture = GLTexture::generate();
@@ -79,18 +79,13 @@ std::vector<float> Evaluate(const char* fragment, float iTime, int count)
     glViewport(0, 0, count, 1);
     glDisable(GL_BLEND);
     glDrawArrays(GL_TRIANGLES, 0, 3);
-    std::vector<float> values(static_cast<std::size_t>(count) * 4);
-    glReadPixels(0, 0, count, 1, GL_RGBA, GL_FLOAT, values.data());
+    std::vector<float> values(static_cast<std::size_t>(count));
+    glReadPixels(0, 0, count, 1, GL_RED, GL_FLOAT, values.data());
     glUseProgram(0);
     glBindVertexArray(0);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glBindTexture(GL_TEXTURE_2D, 0);
-
-    std::vector<float> result;
-    for (int i = 0; i < count; ++i) {
-        result.push_back(values[static_cast<std::size_t>(i) * 4]);
-    }
-    return result;
+    return values;
 }
 
 }  // namespace
