@@ -170,25 +170,6 @@ TEST_F(PictureRenderTest, DepthOptionGreyWithoutAlphaAndJpegWithout)
     EXPECT_EQ(picture("out.jpg").channels, 3);
 }
 
-TEST_F(PictureRenderTest, SequenceFramesAreRenderedAtTheirTimesOneCommandAfterAnother)
-{
-    // Frames 1..5, whose red tells the frame.
-    writeSequence("in.%04d.png", 1, 5, 3, 2, 4,
-                  [](int number, int, int, int c) { return c == 0 ? number * 10.0 : 200.0; });
-    ASSERT_TRUE(Succeeded(runFake({"render", path("in.%04d.png"), path("out.####.png"), "--fps", "4"},
-                                  {{"QUORVEX_FAKE_LOG", path("effect.log")}})));
-    std::vector<std::string> expected{"GlobalSetup", "ParamsSetup"};
-    for (int number = 1; number <= 5; ++number) {
-        const PictureFile out = picture(numbered("out.%04d.png", number));
-        ASSERT_EQ(out.width, 3);
-        EXPECT_EQ(out.at(0, 0, 0), 255 - number * 10) << "the frame read for number " << number;
-        const std::string time = " " + std::to_string(number - 1) + "/4";
-        expected.insert(expected.end(), {"SmartPreRender" + time, "SmartRender" + time});
-    }
-    expected.push_back("GlobalSetdown");
-    EXPECT_EQ(lines("effect.log"), expected);
-}
-
 TEST_F(PictureRenderTest, SpeedMovesLinearlyAndGlitchTypeHoldsUntilTheNextKeyframe)
 {
     writeSequence("in.%d.png", 0, 8, 2, 1, 4, [](int, int, int, int c) { return 20.0 + c * 30; });

@@ -36,15 +36,6 @@ namespace {
 using ::testing::HasSubstr;
 using namespace Tools;
 
-double Number(const std::string& text)
-{
-    double value = 0.0;
-    if (!ParseDouble(text, value)) {
-        throw ToolError::usage("'" + text + "' is not a number");
-    }
-    return value;
-}
-
 std::pair<long, long> Rate(const std::string& text)
 {
     const FrameRate parsed = FrameRate::parse("--fps", text);
@@ -54,7 +45,15 @@ std::pair<long, long> Rate(const std::string& text)
 TEST(OptionParsingTest, MalformedValuesAreUsageErrorsNamingTheOptionAndTheCulprit)
 {
     const auto keyframes = [](const char* text) {
-        return [=] { KeyframeList::parse("--speed", text, Number); };
+        return [=] {
+            KeyframeList::parse("--speed", text, [](const std::string& value) {
+                double number = 0.0;
+                if (!ParseDouble(value, number)) {
+                    throw ToolError::usage("'" + value + "' is not a number");
+                }
+                return number;
+            });
+        };
     };
     const auto rate = [](const char* text) { return [=] { Rate(text); }; };
     const auto range = [](const char* text) { return [=] { FrameRange::parse(text); }; };
@@ -62,7 +61,6 @@ TEST(OptionParsingTest, MalformedValuesAreUsageErrorsNamingTheOptionAndTheCulpri
     const std::pair<std::function<void()>, std::string> cases[] = {
         {keyframes(""), "--speed: no value"},
         {keyframes("0:1,"), "empty"},
-        {keyframes("0:1,,2:2"), "empty"},
         {keyframes("0:1;2:3"), "'1;2:3' is not a number"},
         {keyframes("0:1,5"), "entry '5' is not SECONDS:VALUE"},
         {keyframes("soon:1"), "'soon' is not a time"},
@@ -74,7 +72,6 @@ TEST(OptionParsingTest, MalformedValuesAreUsageErrorsNamingTheOptionAndTheCulpri
         {[] { EffectSettings::parse("", "0:1,2:fast"); }, "--speed: 'fast' is not a number"},
         {[] { ParseDepthOption("10"); }, "--depth: '10'"},
         {rate("0"), "--fps: '0'"},
-        {rate("-24"), "--fps: '-24'"},
         {rate("fast"), "--fps: 'fast'"},
         {rate("24/0"), "--fps: '24/0'"},
         {rate("1/x"), "--fps: '1/x'"},

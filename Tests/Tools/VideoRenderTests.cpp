@@ -78,10 +78,6 @@ TEST_F(VideoRenderTest, EachContainerKeepsFramesRateSizeAndTheAudio)
     EXPECT_THAT(probe("out.mp4").pixelFormat, ::testing::HasSubstr("420p"));
     EXPECT_EQ(probe("out.mov").pixelFormat.rfind("yuva444p", 0), 0u) << "ProRes 4444 keeps alpha";
 
-    // The program reads what it writes: H.264 in, ProRes out.
-    ASSERT_TRUE(Succeeded(runFake({"render", path("out.mp4"), path("again.mov")})));
-    EXPECT_EQ(probe("again.mov").frames, 6);
-
     // Pictures that hold several frames are clips.
     for (const char* format : {"apng", "mjpeg"}) {
         const std::string name = std::string("several.") + format;
@@ -106,6 +102,8 @@ TEST_F(VideoRenderTest, SequenceChunksRenderedWithParallelMatchOneRun)
     for (int number = 1; number <= 20; ++number) {
         ASSERT_EQ(contents(numbered("part.%04d.png", number)), contents(numbered("whole.%04d.png", number)))
             << number;
+        EXPECT_EQ(picture(numbered("whole.%04d.png", number)).at(0, 0, 0), 255 - number * 11 % 256)
+            << "the frame read for number " << number;
     }
     EXPECT_EQ(picture("whole.0008.png").at(0, 0, 2), FakeEffectFormula::TimeStep(7, 4, 1.0f))
         << "frame 8 of a sequence from 1 lies at 7/4 s";
