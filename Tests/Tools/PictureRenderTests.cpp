@@ -1,9 +1,6 @@
-// Pictures and image sequences through the program. With the fake effect:
-// every depth kept, every channel where it belongs, 16-bit values moved
-// between the file's 0..65535 and the host's 0..32768 with rounding,
-// straight alpha kept, each frame at its own time with the keyframes' values
-// there. With the real module beside the program: sizes and depths kept and
-// the effect's work in the output (its pixels are compared with a model in
+// Pictures and image sequences through the program: with the fake effect,
+// depths, channels, alpha and keyframed values at each frame's time; with the
+// real module, sizes and depths kept (its pixels are compared with a model in
 // the module's own tests).
 #include "FakeEffectFormula.h"
 #include "Tools/Support/ToolTest.h"

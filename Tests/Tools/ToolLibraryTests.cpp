@@ -1,9 +1,7 @@
 // The program's library apart from a render: the option values users type,
 // how an output path is understood, pixels between files and host worlds,
-// the times frames are drawn at, and the temporary files and queues of the
-// output side.
+// the times frames are drawn at, and the temporary files of the output side.
 #include "AtomicOutputFile.h"
-#include "BoundedQueue.h"
 #include "EffectSettings.h"
 #include "FrameConverter.h"
 #include "FrameRange.h"
@@ -28,7 +26,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <thread>
 
 namespace Halvane::Quorvex::Testing {
 namespace {
@@ -61,6 +58,7 @@ TEST(OptionParsingTest, MalformedValuesAreUsageErrorsNamingTheOptionAndTheCulpri
     const std::pair<std::function<void()>, std::string> cases[] = {
         {keyframes(""), "--speed: no value"},
         {keyframes("0:1,"), "empty"},
+        {keyframes("0:1,,2:2"), "empty"},
         {keyframes("0:1;2:3"), "'1;2:3' is not a number"},
         {keyframes("0:1,5"), "entry '5' is not SECONDS:VALUE"},
         {keyframes("soon:1"), "'soon' is not a time"},
@@ -72,6 +70,7 @@ TEST(OptionParsingTest, MalformedValuesAreUsageErrorsNamingTheOptionAndTheCulpri
         {[] { EffectSettings::parse("", "0:1,2:fast"); }, "--speed: 'fast' is not a number"},
         {[] { ParseDepthOption("10"); }, "--depth: '10'"},
         {rate("0"), "--fps: '0'"},
+        {rate("-24"), "--fps: '-24'"},
         {rate("fast"), "--fps: 'fast'"},
         {rate("24/0"), "--fps: '24/0'"},
         {rate("1/x"), "--fps: '1/x'"},
@@ -227,24 +226,6 @@ TEST_F(FolderTest, TheTargetAppearsOnlyOnCommitAndTheRegistryRemovesWhatIsLeft)
     ASSERT_EQ(files().size(), 3u) << "reserved at once";
     TemporaryFileRegistry::removeAll();
     EXPECT_EQ(files(), std::set<std::string>{"out.png"});
-}
-
-TEST(BoundedQueueTest, AbortReleasesAWaitingProducerAndCloseDrainsFirst)
-{
-    BoundedQueue<int> queue(1);
-    ASSERT_TRUE(queue.push(1));
-    std::thread producer([&] { EXPECT_FALSE(queue.push(2)) << "a full queue waits until the abort"; });
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    queue.abort();
-    producer.join();
-    EXPECT_FALSE(queue.pop());
-
-    BoundedQueue<int> closing(4);
-    closing.push(7);
-    closing.close();
-    EXPECT_FALSE(closing.push(9));
-    EXPECT_EQ(closing.pop(), 7);
-    EXPECT_FALSE(closing.pop());
 }
 
 }  // namespace

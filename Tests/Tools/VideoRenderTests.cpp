@@ -1,10 +1,7 @@
-// Video through the program and the fake effect: frame count, rate and size
-// kept, other streams copied, pictures lossless where the codec allows; a
-// render split into --frames chunks gives exactly the frames of one run (as
-// sequences with GNU parallel, as the README's farm recipe does it, and as
-// video joined with ffmpeg's concat demuxer); footage as phones make it keeps
-// its rotation, frame times, audio, colour and metadata, and deep video stays
-// deep.
+// Video through the program and the fake effect: frames, rate, size and
+// other streams kept; a render split into --frames chunks gives exactly the
+// frames of one run (with GNU parallel, and joined with ffmpeg's concat
+// demuxer); phone footage keeps what it says about itself; deep stays deep.
 #include "FakeEffectFormula.h"
 #include "Tools/Support/MediaProbe.h"
 #include "Tools/Support/ToolTest.h"
