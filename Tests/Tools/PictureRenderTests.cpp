@@ -1,9 +1,6 @@
-// Pictures and image sequences through the program. With the fake effect:
-// every depth kept, every channel where it belongs, 16-bit values moved
-// between the file's 0..65535 and the host's 0..32768 with rounding,
-// straight alpha kept, each frame at its own time with the keyframes' values
-// there. With the real module beside the program: sizes and depths kept and
-// the effect's work in the output (its pixels are compared with a model in
+// Pictures and image sequences through the program: with the fake effect,
+// depths, channels, alpha and keyframed values at each frame's time; with the
+// real module, sizes and depths kept (its pixels are compared with a model in
 // the module's own tests).
 #include "FakeEffectFormula.h"
 #include "Tools/Support/ToolTest.h"
@@ -168,25 +165,6 @@ TEST_F(PictureRenderTest, DepthOptionGreyWithoutAlphaAndJpegWithout)
         EXPECT_EQ(automatic.at(x, 0, 3), 255);
     }
     EXPECT_EQ(picture("out.jpg").channels, 3);
-}
-
-TEST_F(PictureRenderTest, SequenceFramesAreRenderedAtTheirTimesOneCommandAfterAnother)
-{
-    // Frames 1..5, whose red tells the frame.
-    writeSequence("in.%04d.png", 1, 5, 3, 2, 4,
-                  [](int number, int, int, int c) { return c == 0 ? number * 10.0 : 200.0; });
-    ASSERT_TRUE(Succeeded(runFake({"render", path("in.%04d.png"), path("out.####.png"), "--fps", "4"},
-                                  {{"QUORVEX_FAKE_LOG", path("effect.log")}})));
-    std::vector<std::string> expected{"GlobalSetup", "ParamsSetup"};
-    for (int number = 1; number <= 5; ++number) {
-        const PictureFile out = picture(numbered("out.%04d.png", number));
-        ASSERT_EQ(out.width, 3);
-        EXPECT_EQ(out.at(0, 0, 0), 255 - number * 10) << "the frame read for number " << number;
-        const std::string time = " " + std::to_string(number - 1) + "/4";
-        expected.insert(expected.end(), {"SmartPreRender" + time, "SmartRender" + time});
-    }
-    expected.push_back("GlobalSetdown");
-    EXPECT_EQ(lines("effect.log"), expected);
 }
 
 TEST_F(PictureRenderTest, SpeedMovesLinearlyAndGlitchTypeHoldsUntilTheNextKeyframe)

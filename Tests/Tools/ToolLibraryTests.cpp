@@ -1,9 +1,7 @@
 // The program's library apart from a render: the option values users type,
 // how an output path is understood, pixels between files and host worlds,
-// the times frames are drawn at, and the temporary files and queues of the
-// output side.
+// the times frames are drawn at, and the temporary files of the output side.
 #include "AtomicOutputFile.h"
-#include "BoundedQueue.h"
 #include "EffectSettings.h"
 #include "FrameConverter.h"
 #include "FrameRange.h"
@@ -28,22 +26,12 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <thread>
 
 namespace Halvane::Quorvex::Testing {
 namespace {
 
 using ::testing::HasSubstr;
 using namespace Tools;
-
-double Number(const std::string& text)
-{
-    double value = 0.0;
-    if (!ParseDouble(text, value)) {
-        throw ToolError::usage("'" + text + "' is not a number");
-    }
-    return value;
-}
 
 std::pair<long, long> Rate(const std::string& text)
 {
@@ -54,7 +42,15 @@ std::pair<long, long> Rate(const std::string& text)
 TEST(OptionParsingTest, MalformedValuesAreUsageErrorsNamingTheOptionAndTheCulprit)
 {
     const auto keyframes = [](const char* text) {
-        return [=] { KeyframeList::parse("--speed", text, Number); };
+        return [=] {
+            KeyframeList::parse("--speed", text, [](const std::string& value) {
+                double number = 0.0;
+                if (!ParseDouble(value, number)) {
+                    throw ToolError::usage("'" + value + "' is not a number");
+                }
+                return number;
+            });
+        };
     };
     const auto rate = [](const char* text) { return [=] { Rate(text); }; };
     const auto range = [](const char* text) { return [=] { FrameRange::parse(text); }; };
@@ -230,24 +226,6 @@ TEST_F(FolderTest, TheTargetAppearsOnlyOnCommitAndTheRegistryRemovesWhatIsLeft)
     ASSERT_EQ(files().size(), 3u) << "reserved at once";
     TemporaryFileRegistry::removeAll();
     EXPECT_EQ(files(), std::set<std::string>{"out.png"});
-}
-
-TEST(BoundedQueueTest, AbortReleasesAWaitingProducerAndCloseDrainsFirst)
-{
-    BoundedQueue<int> queue(1);
-    ASSERT_TRUE(queue.push(1));
-    std::thread producer([&] { EXPECT_FALSE(queue.push(2)) << "a full queue waits until the abort"; });
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    queue.abort();
-    producer.join();
-    EXPECT_FALSE(queue.pop());
-
-    BoundedQueue<int> closing(4);
-    closing.push(7);
-    closing.close();
-    EXPECT_FALSE(closing.push(9));
-    EXPECT_EQ(closing.pop(), 7);
-    EXPECT_FALSE(closing.pop());
 }
 
 }  // namespace

@@ -1,10 +1,7 @@
-// Video through the program and the fake effect: frame count, rate and size
-// kept, other streams copied, pictures lossless where the codec allows; a
-// render split into --frames chunks gives exactly the frames of one run (as
-// sequences with GNU parallel, as the README's farm recipe does it, and as
-// video joined with ffmpeg's concat demuxer); footage as phones make it keeps
-// its rotation, frame times, audio, colour and metadata, and deep video stays
-// deep.
+// Video through the program and the fake effect: frames, rate, size and
+// other streams kept; a render split into --frames chunks gives exactly the
+// frames of one run (with GNU parallel, and joined with ffmpeg's concat
+// demuxer); phone footage keeps what it says about itself; deep stays deep.
 #include "FakeEffectFormula.h"
 #include "Tools/Support/MediaProbe.h"
 #include "Tools/Support/ToolTest.h"
@@ -78,10 +75,6 @@ TEST_F(VideoRenderTest, EachContainerKeepsFramesRateSizeAndTheAudio)
     EXPECT_THAT(probe("out.mp4").pixelFormat, ::testing::HasSubstr("420p"));
     EXPECT_EQ(probe("out.mov").pixelFormat.rfind("yuva444p", 0), 0u) << "ProRes 4444 keeps alpha";
 
-    // The program reads what it writes: H.264 in, ProRes out.
-    ASSERT_TRUE(Succeeded(runFake({"render", path("out.mp4"), path("again.mov")})));
-    EXPECT_EQ(probe("again.mov").frames, 6);
-
     // Pictures that hold several frames are clips.
     for (const char* format : {"apng", "mjpeg"}) {
         const std::string name = std::string("several.") + format;
@@ -106,6 +99,8 @@ TEST_F(VideoRenderTest, SequenceChunksRenderedWithParallelMatchOneRun)
     for (int number = 1; number <= 20; ++number) {
         ASSERT_EQ(contents(numbered("part.%04d.png", number)), contents(numbered("whole.%04d.png", number)))
             << number;
+        EXPECT_EQ(picture(numbered("whole.%04d.png", number)).at(0, 0, 0), 255 - number * 11 % 256)
+            << "the frame read for number " << number;
     }
     EXPECT_EQ(picture("whole.0008.png").at(0, 0, 2), FakeEffectFormula::TimeStep(7, 4, 1.0f))
         << "frame 8 of a sequence from 1 lies at 7/4 s";

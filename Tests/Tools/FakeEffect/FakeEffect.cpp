@@ -1,8 +1,6 @@
-// A stand-in for the Quorvex effect, for the command-line host's tests. It
-// declares the same two parameters, asks for its input the same way, and
-// draws a simple function of the input pixel, the frame's time, Glitch Type
-// and Speed (FakeEffectFormula.h), so that every value the host hands over
-// shows in the output. Environment variables make it fail the way a real
+// A stand-in for the Quorvex effect with its two parameters, drawing a simple
+// function of the input pixel, time, Glitch Type and Speed
+// (FakeEffectFormula.h). Environment variables make it fail the way a real
 // module can:
 //   QUORVEX_FAKE_SETUP_STATUS=N   GlobalSetup returns N
 //   QUORVEX_FAKE_RENDER_STATUS=N  SmartRender returns N ...
@@ -53,13 +51,6 @@ void Log(const char* command, const PF_InData* in_data = nullptr)
         }
         std::fclose(file);
     }
-}
-
-PF_Err About(PF_InData* in_data, PF_OutData* out_data)
-{
-    in_data->utils->ansi.sprintf(out_data->return_msg, "%s v%d.%d\r%s", "Fake Quorvex", 1, 0,
-                                 "A stand-in effect for tests");
-    return PF_Err_NONE;
 }
 
 PF_Err GlobalSetup(PF_OutData* out_data)
@@ -215,7 +206,9 @@ extern "C" __attribute__((visibility("default"))) PF_Err EntryPointFunc(
 {
     switch (cmd) {
     case PF_Cmd_ABOUT:
-        return About(in_data, out_data);
+        in_data->utils->ansi.sprintf(out_data->return_msg, "%s v%d.%d\r%s", "Fake Quorvex", 1, 0,
+                                     "A stand-in effect for tests");
+        return PF_Err_NONE;
     case PF_Cmd_GLOBAL_SETUP:
         return GlobalSetup(out_data);
     case PF_Cmd_GLOBAL_SETDOWN:

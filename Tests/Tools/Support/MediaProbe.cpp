@@ -1,4 +1,5 @@
 #include "Tools/Support/MediaProbe.h"
+#include "Tools/Support/TestMedia.h"
 
 #include <gtest/gtest.h>
 
@@ -12,24 +13,6 @@
 
 namespace Halvane::Quorvex::Testing {
 
-namespace {
-
-// What a command line printed on standard output; fails the test, naming the
-// command, unless it exits 0.
-std::string OutputOf(const std::string& command)
-{
-    std::string text;
-    std::FILE* pipe = ::popen((command + " </dev/null").c_str(), "r");
-    char buffer[65536];
-    for (std::size_t count = 0; pipe && (count = std::fread(buffer, 1, sizeof(buffer), pipe)) > 0;) {
-        text.append(buffer, count);
-    }
-    EXPECT_TRUE(pipe && ::pclose(pipe) == 0) << command;
-    return text;
-}
-
-}  // namespace
-
 std::vector<MediaSummary::Stream> MediaSummary::streamsOf(const std::string& type) const
 {
     std::vector<Stream> found;
@@ -42,7 +25,7 @@ MediaSummary MediaProbe::probe(const std::string& path, bool keepPictures)
 {
     // ffprobe lists each stream, packet and frame as a section of KEY=VALUE
     // lines.
-    std::istringstream listing(OutputOf(
+    std::istringstream listing(TestMedia::runCommand("/", 
         "ffprobe -v error -count_packets -show_entries stream=codec_type,codec_name,nb_read_packets,"
         "width,height,r_frame_rate,pix_fmt,color_primaries,color_transfer,color_space,color_range:"
         "stream_side_data=rotation:format_tags=title:frame=media_type,best_effort_timestamp_time:"
@@ -85,7 +68,7 @@ MediaSummary MediaProbe::probe(const std::string& path, bool keepPictures)
     }
     EXPECT_GT(summary.width, 0) << path << " has no video stream";
     if (keepPictures && summary.width > 0) {
-        const std::string rgba = OutputOf("ffmpeg -v error -i '" + path +
+        const std::string rgba = TestMedia::runCommand("/", "ffmpeg -v error -i '" + path +
                                           "' -map 0:v:0 -fps_mode passthrough -f rawvideo -pix_fmt rgba -");
         const auto size = static_cast<std::size_t>(summary.width) * summary.height * 4;
         for (std::size_t start = 0; start + size <= rgba.size(); start += size) {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -93,10 +93,17 @@ void TestMedia::writeClip(const std::string& path, const Clip& clip, const ClipF
     std::filesystem::remove(raw);
 }
 
-void TestMedia::runCommand(const std::string& folder, const std::string& command)
+std::string TestMedia::runCommand(const std::string& folder, const std::string& command)
 {
     const std::string line = "cd '" + folder + "' && " + command + " </dev/null";
-    EXPECT_EQ(std::system(line.c_str()), 0) << line;
+    std::string output;
+    std::FILE* pipe = ::popen(line.c_str(), "r");
+    char buffer[65536];
+    for (std::size_t count = 0; pipe && (count = std::fread(buffer, 1, sizeof(buffer), pipe)) > 0;) {
+        output.append(buffer, count);
+    }
+    EXPECT_TRUE(pipe && ::pclose(pipe) == 0) << line;
+    return output;
 }
 
 }  // namespace Halvane::Quorvex::Testing

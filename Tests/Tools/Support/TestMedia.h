@@ -55,9 +55,9 @@ public:
     static void writeClip(const std::string& path, const Clip& clip, const ClipFunction& sample);
 
     // Runs a command line with /bin/sh in `folder`, as a user would type it
-    // (the `ffmpeg` and `parallel` programs); fails the test, naming the
-    // command, unless it exits 0.
-    static void runCommand(const std::string& folder, const std::string& command);
+    // (the `ffmpeg` and `parallel` programs), and returns its standard
+    // output; fails the test, naming the command, unless it exits 0.
+    static std::string runCommand(const std::string& folder, const std::string& command);
 };
 
 }  // namespace Halvane::Quorvex::Testing

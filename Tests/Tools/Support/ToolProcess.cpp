@@ -1,5 +1,6 @@
 #include "Tools/Support/ToolProcess.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -24,23 +25,15 @@ void Check(bool ok, const char* what)
     }
 }
 
-std::vector<char*> Pointers(std::vector<std::string>& texts)
-{
-    std::vector<char*> pointers;
-    for (std::string& text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
+// From the start of a file; a terminal is read until its end, which reads as
+// an error once the program has exited.
 std::string ReadAll(int fd)
 {
     std::string text;
     ::lseek(fd, 0, SEEK_SET);
     char buffer[4096];
-    for (ssize_t count = 0; (count = ::read(fd, buffer, sizeof(buffer))) > 0;) {
-        text.append(buffer, static_cast<std::size_t>(count));
+    for (ssize_t count = 0; (count = ::read(fd, buffer, sizeof(buffer))) > 0 || (count < 0 && errno == EINTR);) {
+        text.append(buffer, static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     }
     return text;
 }
@@ -72,8 +65,12 @@ ToolProcess::ToolProcess(const std::string& program, const std::vector<std::stri
     posix_spawn_file_actions_adddup2(&actions, mOutFile, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, errorTarget, STDERR_FILENO);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    errno = ::posix_spawnp(&mPid, argumentTexts[0].c_str(), &actions, nullptr,
-                          Pointers(argumentTexts).data(), environ);
+    std::vector<char*> pointers;
+    for (std::string& text : argumentTexts) {
+        pointers.push_back(text.data());
+    }
+    pointers.push_back(nullptr);
+    errno = ::posix_spawnp(&mPid, "env", &actions, nullptr, pointers.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (mTerminal >= 0) {
         ::close(errorTarget);
@@ -122,17 +119,8 @@ ToolResult ToolProcess::wait()
 {
     ToolResult result;
     if (mTerminal >= 0) {
-        // Read as it comes, or a full terminal buffer would stall the
-        // program; the end reads as an error once it has exited.
-        char buffer[4096];
-        for (;;) {
-            const ssize_t count = ::read(mTerminal, buffer, sizeof(buffer));
-            if (count > 0) {
-                result.err.append(buffer, static_cast<std::size_t>(count));
-            } else if (count == 0 || errno != EINTR) {
-                break;
-            }
-        }
+        // Read before waiting, or a full terminal buffer would stall it.
+        result.err = ReadAll(mTerminal);
     }
     int status = mStatus.value_or(0);
     while (mPid > 0 && ::waitpid(mPid, &status, 0) < 0 && errno == EINTR) {
