@@ -1,8 +1,6 @@
-// The plug-in in each real host gives the frames of `quorvex render`: the
-// same frame at the same moment (ffmpeg passes milliseconds, the others
-// seconds), the same Speed mapping, straight alpha kept, and under melt's
-// frame threads (real_time=-2: several instances updated from several
-// threads at once) every frame still its own.
+// The plug-in in each real host gives the frames of `quorvex render`: the same moment (ffmpeg passes
+// milliseconds, the others seconds), the same Speed mapping, straight alpha kept, and under melt's frame
+// threads (real_time=-2: instances updated from several threads at once) every frame still its own.
 #include "Frei0r/Frei0rHostTest.h"
 #include "Tools/Support/MediaProbe.h"
 #include "Tools/Support/TestMedia.h"

@@ -1,10 +1,6 @@
-// The module's frame through the substitute host, with what a hostile host
-// can hand it: world records whose sizes, row lengths, pixel pointers and
-// flags lie, pixel formats it does not know, any parameter value, any time,
-// and host calls and suites that fail. Whatever the frame answers, it must
-// not crash, must leave the host's GL context current, must give back every
-// suite, handle and parameter it took, and must write no byte outside the
-// output's pixels.
+// The module's frame as a hostile host hands it: lying world records, unknown formats, any parameter or time,
+// failing calls and suites. Whatever it answers, the frame must not crash, must leave the host's context
+// current, give back all it took, and write no byte outside the output's pixels.
 #include "FuzzInput.h"
 
 #include "GL/GLPlatform.h"
@@ -25,8 +21,7 @@ using Host::World;
 // Frames stay small: llvmpipe draws every one, and the fuzzer needs many.
 constexpr unsigned kLargestSide = 64;
 
-// The host of every input: set up once, as a real host keeps an effect
-// loaded from frame to frame.
+// Set up once, as a real host keeps an effect loaded from frame to frame.
 struct LoadedEffect {
     Host::HostRuntime host;
     Host::PluginModule module{QUORVEX_MODULE_PATH};
@@ -40,8 +35,7 @@ struct LoadedEffect {
         Require(session.paramsSetup() == PF_Err_NONE, "parameter set-up failed");
     }
 
-    // At the end of the run, as a host that unloads the effect: what the
-    // module still holds then is a leak.
+    // As a host that unloads the effect: what the module still holds then is a leak.
     ~LoadedEffect()
     {
         GLPlatform::makeCurrent(hostContext.get());
@@ -68,11 +62,8 @@ std::unique_ptr<World> TakeWorld(FuzzInput& input)
     return world;
 }
 
-// Changes the record the host hands out. Each lie is either true to the
-// memory behind it (a narrower world) or one the module can see (a row
-// length shorter than a row, a negative size, no pixels, misaligned
-// pixels, flags of another depth); a lie about memory that no record can
-// show, such as a larger size, is not a fault of the module.
+// Each lie is true to the memory behind it (a narrower world) or one the module can see (short rows, a
+// negative size, no or misaligned pixels, another depth's flags); a larger size no record can show.
 void Tamper(FuzzInput& input, PF_EffectWorld& record, std::size_t pixelSize)
 {
     const unsigned lies = input.take<std::uint8_t>();
@@ -110,8 +101,7 @@ std::vector<unsigned char> PixelsOf(World& world)
 
 void InjectFailures(FuzzInput& input, Host::FailureInjector& failures)
 {
-    // Not HostCall::CheckinParam: a host that refuses a check-in keeps the
-    // parameter checked out by its own books, whatever the effect does.
+    // Not CheckinParam: a refused check-in stays checked out by this host's books, whatever the effect does.
     const HostCall calls[] = {HostCall::CheckoutParam, HostCall::CheckoutLayer,
                               HostCall::CheckoutLayerPixels, HostCall::CheckoutOutput, HostCall::GetPixelFormat,
                               HostCall::GetPixelData, HostCall::Iterate, HostCall::NewHandle};
@@ -126,9 +116,8 @@ void InjectFailures(FuzzInput& input, Host::FailureInjector& failures)
             A_long version;
         } suites[] = {{kPFWorldSuite, 2}, {kPFIterateFloatSuite, 1}, {kPFHandleSuite, 2}};
         const auto& suite = suites[input.upTo(2)];
-        // Not SuiteFailure::StatusWithSuite: a table handed over with an
-        // error status stays the effect's by this host's books, while the
-        // effect, trusting the status, takes it as refused.
+        // Not StatusWithSuite: a table handed over with an error status stays the effect's by this host's
+        // books, while the effect, trusting the status, takes it as refused.
         failures.failSuite(suite.name, suite.version,
                            input.upTo(1) == 0 ? Host::SuiteFailure::Missing : Host::SuiteFailure::NullWithoutStatus);
     }
@@ -157,8 +146,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Tamper(input, *source->layer(), source->pixelSize());
     Tamper(input, *output->layer(), output->pixelSize());
 
-    // A row length that is shorter than the real one but still holds a row
-    // sends the frame's rows where the host said: over the real padding.
+    // A shorter row length that still holds a row sends the rows over the real padding, as the host said.
     const bool truePadding = output->layer()->rowbytes == outputRecord.rowbytes;
 
     const GLPlatform::CurrentBinding before = GLPlatform::currentBinding();

@@ -16,9 +16,7 @@ using namespace Host;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 
-// How values move between keyframes the tool's keyframed renders show; here,
-// what they cannot: a value before the first keyframe and names that the
-// effect may free once the parameter is added.
+// What keyframed renders cannot show: a value before the first keyframe, and names the effect may free.
 TEST(ParameterTrackTest, TheFirstKeyframeHoldsBeforeItAndPopupNamesAreCopied)
 {
     PF_ParamDef sliderDef{};

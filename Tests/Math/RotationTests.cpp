@@ -14,38 +14,6 @@ using Testing::nearMatrix;
 using Testing::rotationMatrix;
 using Testing::sameRotation;
 
-TEST(QuaternionTests, AxesZeroFallbacksAndShortestRotations)
-{
-    // The constructor keeps the axis length, set() normalises it, and a zero axis means x.
-    Quaternion q;
-    q.set(Vec3(0, 0, 2), 1.0);
-    EXPECT_EQ(Quaternion(0, 0, 2.0 * std::sin(0.5), std::cos(0.5)), Quaternion(Vec3(0, 0, 2), 1.0));
-    EXPECT_EQ(Quaternion(0, 0, std::sin(0.5), std::cos(0.5)), q);
-    q.set(Vec3(), 1.0);
-    EXPECT_EQ(Quaternion(Vec3(1, 0, 0), 1.0), q);
-    q.set(0, 0, 0, 0);
-    q.setInverse();
-    EXPECT_EQ(Quaternion(), q);
-    q.set(Vec3(1, -2, 2), 1.0);
-    EXPECT_NEAR(57.29578, q.getRotationAngle(), 1e-5);
-    EXPECT_TRUE(q.getRotationAxis().equal(Vec3(1, -2, 2) * (1.0 / 3.0), 1e-15));
-
-    EXPECT_EQ(Quaternion(0, 1, 0, 0), Quaternion(Vec3(1, 0, 0), Vec3(-1, 0, 0)));
-    EXPECT_EQ(Quaternion(0, -1, 0, 0), Quaternion(Vec3(0, 0, 1), Vec3(0, 0, -1)));
-    EXPECT_EQ(Quaternion(0, 0, 1, 0), Quaternion(Vec3(0, 1, 0), Vec3(0, -1, 0)));
-    EXPECT_EQ(Quaternion(), Quaternion(Vec3(), Vec3()));
-    Testing::SeededRandom random;
-    for (int i = 0; i < 100; ++i) {
-        Vec3 from = random.vec3(-1.0, 1.0);
-        Vec3 to = random.vec3(-1.0, 1.0);
-        from.normalize();
-        to.normalize();
-        Quaternion const between(from, to);
-        EXPECT_TRUE(Quaternion::quaternionMulVec3(between, from).equal(to, 1e-13));
-        EXPECT_NEAR(from.angleBetween(to) * kRadiansToDegrees, between.getRotationAngle(), 1e-9);
-    }
-}
-
 TEST(QuaternionTests, ProductsMatchMatricesInEveryForm)
 {
     Testing::SeededRandom random;
@@ -68,43 +36,11 @@ TEST(QuaternionTests, ProductsMatchMatricesInEveryForm)
         Quaternion back;
         back.setWithMat4(rotationMatrix(a));
         EXPECT_TRUE(sameRotation(a, back, 1e-14));
-    }
-}
-
-TEST(QuaternionTests, SlerpEndpointsShorterWayArcAndNearlyParallelMidpoint)
-{
-    Quaternion const q(Vec3(0, 0, 1), 0.2);
-    Quaternion const farSide(-0.1, 0.2, -0.3, -0.9);
-    Quaternion moved(q);
-    moved.slerp(farSide, 1.0);
-    EXPECT_EQ(farSide, moved);
-    moved = q;
-    moved.slerp(farSide, 0.0);
-    EXPECT_EQ(q, moved);
-    moved.slerp(farSide, 0.999);
-    EXPECT_TRUE(sameRotation(farSide, moved, 0.01) && moved.dot(farSide) < 0.0);
-    moved = q;
-    moved.slerp(Quaternion(-q.x, -q.y, -q.z, -q.w), 0.3);
-    EXPECT_EQ(q, moved);
-
-    Testing::SeededRandom random;
-    for (int i = 0; i < 100; ++i) {
-        Quaternion const a = random.unitQuaternion();
-        Quaternion const b = random.unitQuaternion();
+        // Slerp turns the shorter way, in proportion to t.
         double const t = random.uniform(0.0, 1.0);
         Quaternion const between = Quaternion::lerp(a, b, t);
-        EXPECT_NEAR(1.0, between.length(), 1e-14);
-        double const whole = std::acos(std::abs(a.dot(b)));
-        EXPECT_NEAR(t * whole, std::acos(std::min(1.0, std::abs(a.dot(between)))), 1e-7);
+        EXPECT_NEAR(t * std::acos(std::abs(a.dot(b))), std::acos(std::min(1.0, std::abs(a.dot(between)))), 1e-7);
     }
-
-    // Half angles 0.00075 apart: the sine lies below 0.001, and t no longer matters.
-    Quaternion const a(Vec3(0, 1, 0), 0.3);
-    Quaternion const b(Vec3(0, 1, 0), 0.3015);
-    Quaternion const midpoint((a.x + b.x) * 0.5, (a.y + b.y) * 0.5, (a.z + b.z) * 0.5, (a.w + b.w) * 0.5);
-    EXPECT_EQ(midpoint, Quaternion::lerp(a, b, 0.1));
-    Quaternion const wider(Vec3(0, 1, 0), 0.303);
-    EXPECT_NE(Quaternion::lerp(a, wider, 0.1), Quaternion::lerp(a, wider, 0.9));
 }
 
 constexpr Euler::RotationOrder kOrders[] = {Euler::XYZ, Euler::YZX, Euler::ZXY, Euler::XZY, Euler::YXZ, Euler::ZYX};
@@ -173,39 +109,6 @@ TEST(EulerTests, EveryOrderFromMatrixAndQuaternionAwayFromAndAtGimbalLock)
             EXPECT_TRUE(nearMatrix(rotationOf(angles), rotationOf(back), 1e-13));
         }
     }
-}
-
-TEST(EulerTests, ThresholdIsTheWidenedFloatAndTheOrderCanBeKept)
-{
-    // Not a rotation: only the elements that XYZ reads matter.
-    Mat4 m(true);
-    m.elements[0] = 0.5;
-    m.elements[4] = -0.5;
-    Euler e;
-    m.elements[8] = static_cast<double>(0.999999f);
-    e.setWithMat4(m);
-    EXPECT_EQ(0.0, e.z);
-    m.elements[8] = std::nextafter(static_cast<double>(0.999999f), 0.0);
-    e.setWithMat4(m);
-    EXPECT_DOUBLE_EQ(M_PI / 4.0, e.z);
-    m.elements[8] = std::nextafter(1.0, 2.0);
-    e.setWithMat4(m);
-    EXPECT_EQ(M_PI / 2.0, e.y);
-
-    m.setRotation(0.7, Vec3(1, 2, 3));
-    Euler explicitOrder;
-    explicitOrder.setWithMat4(m, Euler::YZX);
-    e.set(0, 0, 0, Euler::YZX);
-    e.setWithMat4(m, Euler::CurrentOrder);
-    EXPECT_TRUE(explicitOrder == e);
-    // Without an order of its own the angles stay.
-    Euler const untouched(1, 2, 3, Euler::CurrentOrder);
-    e = untouched;
-    e.setWithMat4(m);
-    EXPECT_TRUE(untouched == e);
-    Quaternion q(1, 2, 3, 4);
-    q.setWithEuler(Euler(0.1, 0.2, 0.3, Euler::CurrentOrder));
-    EXPECT_EQ(Quaternion(0, 0, 0, 0), q);
 }
 
 } // namespace

@@ -30,24 +30,7 @@ double fromField(unsigned field, float fieldMax)
     return Testing::sameComponents({r, g, b, a}, {c[0], c[1], c[2], c[3]}, "rgba");
 }
 
-TEST(ColorTests, NilEqualityAndLerpWithTheFirstWeightInFloat)
-{
-    // Two nil colours (any channel negative) are equal whatever they hold; one compares per channel.
-    EXPECT_TRUE(Color(-1, 0, 0, 0) == Color(0, -2, 0, -1e-300));
-    EXPECT_FALSE(Color(-1, 0, 0, 0) == Color(0, 0, 0, 0));
-    EXPECT_TRUE(Color(1, 1, 1, -1e-300).isNil());
-    EXPECT_TRUE(Color(0, 0, 0, 1e-12) == Color(0, 0, 0, 0));
-    EXPECT_TRUE(Color(0, 0, 0, std::nextafter(1e-12, 1.0)) != Color(0, 0, 0, 0));
-
-    Color const from(0.2, 0.4, 0.6, 0.8);
-    Color const to(1.0, -1.0, 0.5, 0.0);
-    EXPECT_TRUE(channelsAre(Color::lerp(from, to, -3.0), 0.2, 0.4, 0.6, 0.8));
-    EXPECT_TRUE(channelsAre(Color::lerp(from, to, 7.0), 1.0, -1.0, 0.5, 0.0));
-    double const nine = widened(0.9f); // not 0.9
-    EXPECT_TRUE(channelsAre(Color::lerp(Color(1, 1, 1, 1), Color(0, 0, 0, 0), 0.1), nine, nine, nine, nine));
-}
-
-TEST(ColorTests, TextAndPackedFormsPutAlphaFirst)
+TEST(ColorTests, TextAndPackedFormsPutAlphaFirstNilColoursAreEqualAndLerpClamps)
 {
     // The float quotient widened, not 128/255 in double.
     EXPECT_TRUE(channelsAre(Color(std::string("#80FF0000")), 1, 0, 0, 0x1.0101020000000p-1));
@@ -66,6 +49,13 @@ TEST(ColorTests, TextAndPackedFormsPutAlphaFirst)
     EXPECT_EQ("#7FFFFFFF", Color(1, 1, 1, 0.5).toHexString());
     EXPECT_EQ("#0FF00", Color(0xFF0000u).toHexString());
     EXPECT_EQ("#1FE00", Color(2, 0, 0, 1).toHexString());
+
+    // Any negative channel makes a colour nil, and nil colours are all equal.
+    EXPECT_TRUE(Color(-1, 0, 0, 0) == Color(0, -2, 0, -1e-300) && Color(-1, 0, 0, 0) != Color(0, 0, 0, 0));
+    // Lerp clamps t, and forms the first weight in single precision: 1 - 0.1 is not 0.9.
+    EXPECT_TRUE(channelsAre(Color::lerp(Color(0, 1, 0, 1), Color(1, 0, 0, 0), 7.0), 1, 0, 0, 0));
+    double const nine = widened(0.9f);
+    EXPECT_TRUE(channelsAre(Color::lerp(Color(1, 1, 1, 1), Color(0, 0, 0, 0), 0.1), nine, nine, nine, nine));
 }
 
 constexpr double kLargest = std::numeric_limits<double>::max();

@@ -2,12 +2,10 @@
 
 #include "Math/Float.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-#include <utility>
 
 namespace Halvane::Quorvex {
 namespace {
@@ -30,15 +28,6 @@ TEST(VectorEquality, PerComponentWithTheBoundaryIncludedButVec4IsRadialWithItExc
     EXPECT_FALSE(Vec4() == Vec4(0.6e-12, 0.6e-12, 0.6e-12, 0.6e-12));
     EXPECT_TRUE(Vec4() == Vec4(0.0, 0.0, 0.9e-12, 0.0));
     EXPECT_FALSE(Vec4() == Vec4(0.0, 0.0, 0.0, 1e-12));
-
-    // Negligible and duplicate exclude their bounds; collinearity is relative to the lengths, and
-    // orthogonality compares the difference of the component products, not their sum.
-    EXPECT_FALSE(Vec2(kFloatTolerance, 0.0).negligible());
-    EXPECT_TRUE(Vec2::isDuplicate(Vec2(1.0, 1.0), Vec2(1.24, 1.24)));
-    EXPECT_FALSE(Vec2::isDuplicate(Vec2(1.0, 1.0), Vec2(1.0, 0.75)));
-    EXPECT_TRUE(Vec2(1e6, 0.0).isCollinear(Vec2(1e6, 1e-7)));
-    EXPECT_FALSE(Vec2(1.0, 0.0).isCollinear(Vec2(1.0, 1e-9)));
-    EXPECT_TRUE(Vec2(1.0, 1.0).isOrthogonal(Vec2(1.0, 1.0)));
 }
 
 TEST(VectorZeros, ZeroVectorsFallBackToXAndSignedZerosFlip)
@@ -73,30 +62,6 @@ TEST(VectorZeros, ZeroVectorsFallBackToXAndSignedZerosFlip)
     v2.set(3.0, 0.0);
     v2.followSigns(Vec2(0.0, 5.0));
     EXPECT_SAME_BITS(Vec2(-3.0, -0.0), v2);
-}
-
-TEST(Vec2Angles, DegreesQuadrantsAndRotationWithTheFifteenDigitConstant)
-{
-    EXPECT_SAME_BITS(0.0, Vec2(-0.0, -0.0).getAngle());
-    Vec2 v(0.0, 2.0);
-    EXPECT_DOUBLE_EQ(90.0, v.getAngle());
-    v.setAngle(180.0);
-    EXPECT_EQ(Vec2(-2.0, 0.0), v);
-    int const quadrants[] = {Vec2(0.0, -0.0).getQuadrant(), Vec2(-1.0, 0.0).getQuadrant(),
-                             Vec2(-1.0, -1.0).getQuadrant(), Vec2(0.0, -1.0).getQuadrant()};
-    EXPECT_THAT(quadrants, ::testing::ElementsAre(1, 2, 3, 4));
-
-    // 360 * kDegreesToRadians falls short of 2 pi, so a full turn does not come back.
-    Vec2 fullTurn(1.0, 0.0);
-    fullTurn.rotate(360.0);
-    EXPECT_NEAR(360.0 * kDegreesToRadians - 2.0 * M_PI, fullTurn.y, 1e-15);
-    EXPECT_LT(fullTurn.y, -1e-13);
-    Vec2 const point(2.0, 1.0);
-    EXPECT_EQ(Vec2(1.0, 2.0), point.rotateRound(90.0, Vec2(1.0, 1.0)));
-    Vec2 moved = point;
-    moved.rotateAround(-90.0, Vec2(1.0, 1.0));
-    EXPECT_EQ(Vec2(1.0, 0.0), moved);
-    EXPECT_DOUBLE_EQ(-90.0, Vec2(0.0, 1.0).angleBetween(Vec2(1.0, 0.0)));
 }
 
 TEST(Vec2Lines, IntersectionsDistancesAndSides)
@@ -142,48 +107,6 @@ TEST(Vec2Lines, IntersectionsDistancesAndSides)
     EXPECT_FALSE(Vec2::intersecting({0, 0}, {1, 0}, {5, 1}, {6, 2}));
     EXPECT_FALSE(Vec2::intersecting({0, 0}, {1, 0}, {5, 0}, {5, -1}));
     EXPECT_TRUE(Vec2::intersecting({0, 0}, {1, 0}, {5, 0}, {5, 1}));
-    // Zero is a sign of its own.
-    EXPECT_TRUE(Vec2::oppositeQuadrant({1, 1}, {0, -1}));
-    EXPECT_FALSE(Vec2::oppositeQuadrant({1, 1}, {-1, 1}));
-    EXPECT_TRUE(Vec2::oppositeQuadrant({1, 0}, {-1, 0}));
-    EXPECT_FALSE(Vec2::oppositeQuadrant({0, 0}, {0, 0}));
-
-    // Outward points away from c; perpendicular to b - c is not outward.
-    Vec2 direction(-1.0, 0.0);
-    EXPECT_TRUE(Vec2::anchorOutward(direction, {2, 0}, {0, 0}, false));
-    EXPECT_SAME_BITS(Vec2(1.0, -0.0), direction);
-    EXPECT_TRUE(Vec2::anchorInward(direction, {2, 0}, {0, 0}));
-    EXPECT_SAME_BITS(Vec2(-1.0, 0.0), direction);
-    Vec2 sideways(0.0, 1.0);
-    EXPECT_TRUE(Vec2::anchorOutward(sideways, {2, 0}, {0, 0}, false));
-}
-
-TEST(Vec3Tests, LargestComponentCyclesAndOrtho)
-{
-    // Ties go to the later index.
-    for (auto [v, index] : {std::pair{Vec3(-5, 1, 1), 0}, std::pair{Vec3(3, 3, 1), 1}, std::pair{Vec3(1, 3, -3), 2},
-                            std::pair{Vec3(), 2}}) {
-        EXPECT_EQ(index, v.largestAbsComponent()) << ::testing::PrintToString(v);
-    }
-    EXPECT_EQ(-20.0, cyclicDifference(350.0, 10.0, 360.0));
-    EXPECT_EQ(-180.0, cyclicDifference(0.0, 180.0, 360.0));
-    EXPECT_EQ(640.0, cyclicDifference(1000.0, 0.0, 360.0));
-    // With a cycle of 0 nothing wraps.
-    EXPECT_SAME_BITS(Vec3(340.0, -5.0, 0.0), Vec3(350, 0, 1).rotationalDifference(Vec3(10, 5, 1)));
-
-    Vec3 v(1.0, 0.0, 0.0);
-    v.ortho(Vec3(1.0, 2.0, 3.0));
-    Vec3 expected(2.0, -1.0, 0.0);
-    expected.normalize();
-    EXPECT_SAME_BITS(expected, v);
-    // The axis is chosen from this vector (y here, so x), not from v.
-    Vec3 w(0.0, 5.0, 0.0);
-    w.ortho(Vec3(0.0, 0.0, 2.0));
-    EXPECT_EQ(Vec3(0.0, 1.0, 0.0), w);
-    // Parallel: no perpendicular, x.
-    Vec3 parallel(0.0, 0.0, 4.0);
-    parallel.ortho(parallel);
-    EXPECT_SAME_BITS(Vec3(1.0, 0.0, 0.0), parallel);
 }
 
 TEST(Vec3Transforms, AgreeWithTheMatrixAndQuaternionForms)

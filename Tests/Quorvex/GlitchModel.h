@@ -24,20 +24,16 @@ struct BadTVRandoms {
     float rnd = 0.0f;
 };
 
-// One pixel of the model's output in the host's units, and whether the model
-// can vouch for it: a pixel whose row lies within a hair of a band's edge or a
-// branch threshold may fall either way on a GPU, and is left out of the
-// comparison.
+// A pixel in host units, and whether the model vouches for it: a row within a hair of a band's edge or a
+// branch threshold may fall either way on a GPU.
 struct ModelPixel {
     std::array<float, 4> argb{};
     bool certain = true;
 };
 
-// The whole frame on the CPU, in single precision, as the module draws it:
-// upload (host values normalised into a float texture, host A,R,G,B in r,g,b,a),
-// the fragment stage with bilinear clamped sampling, the premultiplied result
-// stored in the render target at its precision, the screen pass that
-// un-premultiplies and rotates back, and the read-back into host units.
+// The whole frame on the CPU in single precision, as the module draws it: upload (host A,R,G,B normalised
+// into r,g,b,a), bilinear clamped sampling, the premultiplied result at the target's precision, the screen
+// pass that un-premultiplies and rotates back, and the read-back into host units.
 class GlitchModel {
 public:
     // `pixels` holds the input in host order, A,R,G,B per pixel, in host

@@ -1,6 +1,5 @@
-// A host that hands the frame worlds or values it cannot use: the frame ends
-// with 516 and one line that says what is wrong, before any pixel memory is
-// touched, and the next good frame is right.
+// Worlds or values the frame cannot use: it ends with 516 and one line that says what is wrong, before any
+// pixel memory is touched, and the next good frame is right.
 #include "RenderingModuleTest.h"
 
 #include <gmock/gmock.h>
@@ -17,8 +16,7 @@ using Host::World;
 
 class HostileHostTest : public RenderingModuleTest {
 protected:
-    // Renders with the worlds' records changed by `tamper` for the frame
-    // only, and expects 516, exactly one line on standard error that holds
+    // With the records changed by `tamper` for this frame only: 516, one line on standard error that holds
     // `said`, and the output's pixels untouched.
     void expectRefused(World& input, World& output, const std::function<void(PF_EffectWorld&, PF_EffectWorld&)>& tamper,
                        const std::string& said, double speed = 1.0)

@@ -4,11 +4,8 @@
 
 namespace Halvane::Quorvex::Testing {
 
-// Evaluates, on the GPU of the current context, the values that each glitch
-// program computes once per frame, with the formulas and seeds written out
-// here afresh. The module's output is then compared with a CPU model that uses
-// these values, so a wrong seed or formula in the module shows as a wrong
-// picture. Needs a current GL context bound in glbinding.
+// Evaluates on the current context's GPU, with formulas and seeds written out afresh, the values each glitch
+// program computes once per frame: a wrong seed or formula in the module then shows as a wrong picture.
 class RandomProbe {
 public:
     static BlockGlitchRandoms blockGlitch(float iTime);

@@ -32,18 +32,10 @@ protected:
     // the given parameters. Expects the host's context current after.
     PF_Err render(Host::World& input, Host::World& output, double seconds, GlitchType type, double speed);
 
-    // Expects the output, channel by channel in host units, within the
-    // depth's tolerance of what the model makes of `input` at that time, with
-    // the per-frame values probed on this GPU. Too few pixels the model
-    // vouches for fail too.
-    //
-    // The tolerance is one step of the render target at 8 bits, two at 16
-    // bits and float (whose targets hold 16 bits). The module and the model
-    // part only where a value lies near a rounding edge of a target and the
-    // GPU's bilinear weights or interpolated coordinates tip it the other way;
-    // the screen pass divides by alpha (0.55 at least), which can double such
-    // a step. A wrong seed, a swapped channel, flipped rows, a lost
-    // premultiplication or a wrong multiplier all move pixels by many steps.
+    // Expects the output within the depth's tolerance of what the model makes of `input` at that time, with
+    // the per-frame values probed on this GPU, and most pixels vouched for. The tolerance is one target step
+    // at 8 bits, two at 16 bits and float: a value near a rounding edge may tip either way on a GPU, and the
+    // screen pass's division by alpha (0.55 at least) can double that. Real faults move pixels many steps.
     void expectMatchesModel(Host::World& output, Host::World& input, double seconds, GlitchType type, double speed,
                             const std::string& what);
 
