@@ -1,6 +1,4 @@
-// The context manager across threads: one render context per thread in the
-// shared data context's group, numbered in the order of first requests and
-// destroyed in that order at release, the shared data context last.
+// The context manager across threads: one render context per thread, the shared data context last to go.
 #include "GL/AEOpenGLContextManager.h"
 
 #include "HostTypes.h"

@@ -1,6 +1,4 @@
-// Contexts on a real EGL display: the platform layer's, the plug-in's own
-// (creation, switching), and the snapshot that
-// gives the host its context and surfaces back.
+// Contexts on a real EGL display: the platform layer's, the plug-in's own, and the snapshot of the host's.
 #include "GL/AEOpenGLContext.h"
 #include "GL/SaveRestoreGLContextMac.h"
 
@@ -78,14 +76,8 @@ TEST_F(ContextTest, ANewContextPrintsItsBlockOnceAndIsCurrentInGlbinding)
     EXPECT_EQ(GLPlatform::currentHandle(), context->cglContext());
     EXPECT_EQ(glbindingContext(), handle);
     EXPECT_FALSE(context->extensions().empty());
-    GLint major = 0;
-    GLint minor = 0;
-    GLint profile = 0;
-    glGetIntegerv(GL_MAJOR_VERSION, &major);
-    glGetIntegerv(GL_MINOR_VERSION, &minor);
-    glGetIntegerv(GL_CONTEXT_PROFILE_MASK, &profile);
-    EXPECT_GE(major * 10 + minor, 33);
-    EXPECT_EQ(profile, static_cast<GLint>(GL_CONTEXT_CORE_PROFILE_BIT));
+    EXPECT_GE(integer(GL_MAJOR_VERSION) * 10 + integer(GL_MINOR_VERSION), 33);
+    EXPECT_EQ(integer(GL_CONTEXT_PROFILE_MASK), static_cast<GLint>(GL_CONTEXT_CORE_PROFILE_BIT));
 
     glbinding::Binding::useContext(glbindingHandleOfHost());
     context->makeContextCurrent();
