@@ -185,6 +185,9 @@ TEST_F(MainFrameBufferTest, APopHandsBackWhatWasDrawnGivesUpItsRenderbuffersAndB
     const GLint normal = integer(GL_DRAW_FRAMEBUFFER_BINDING);
     paint(0.5f, 2.0f, -1.0f, 1.0f);
     frame().popNormalRenderContext();
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    EXPECT_THAT(viewport, ElementsAre(0, 0, 5, 2)) << "the frame's viewport was not brought back";
     EXPECT_EQ(glIsFramebuffer(static_cast<GLuint>(normal)), GL_FALSE);
     EXPECT_EQ(attachment(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0), static_cast<GLint>(top));
     EXPECT_THAT(takeTexture(floats), Pointwise(FloatNear(0.0f), solid(8, {0.5f, 2.0f, -1.0f, 1.0f})));
