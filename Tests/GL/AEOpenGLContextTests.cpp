@@ -20,7 +20,7 @@ using ::testing::MatchesRegex;
 
 using ContextTest = GLContextTest;
 
-TEST_F(ContextTest, APlatformContextLeavesTheCurrentOneAloneAndGetsAnIdNeverSeenBefore)
+TEST_F(ContextTest, APlatformContextLeavesTheCurrentOneAloneGetsANewIdAndIsRefusedWhereCurrentElsewhere)
 {
     std::set<GLPlatform::ContextId> ids;
     for (int round = 0; round < 8; ++round) {
@@ -36,16 +36,10 @@ TEST_F(ContextTest, APlatformContextLeavesTheCurrentOneAloneAndGetsAnIdNeverSeen
     }
     EXPECT_EQ(ids.size(), 8u) << "an id was handed out twice";
     EXPECT_EQ(ids.count(0), 0u);
-    GLPlatform::makeCurrent(GLPlatform::CurrentBinding{});
-    EXPECT_EQ(GLPlatform::currentHandle(), nullptr);
-}
 
-TEST_F(ContextTest, APlatformRefusalNamesTheCallAndTheError)
-{
+    // A context current on one thread cannot be made current on another: the refusal names call and error.
     GLPlatform::OwnedContext context = GLPlatform::createContext(nullptr);
     GLPlatform::makeCurrent(context.get());
-
-    // A context current on one thread cannot be made current on another.
     std::string message;
     std::thread([&] {
         try {
@@ -54,8 +48,9 @@ TEST_F(ContextTest, APlatformRefusalNamesTheCallAndTheError)
             message = error.what();
         }
     }).join();
-
     EXPECT_EQ(message, "eglMakeCurrent failed with EGL_BAD_ACCESS (0x3002)");
+    GLPlatform::makeCurrent(GLPlatform::CurrentBinding{});
+    EXPECT_EQ(GLPlatform::currentHandle(), nullptr);
 }
 
 TEST_F(ContextTest, ANewContextPrintsItsBlockOnceAndIsCurrentInGlbinding)

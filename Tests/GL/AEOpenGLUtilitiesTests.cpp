@@ -50,15 +50,6 @@ protected:
                                            isFloat ? GL_FLOAT : is16 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_BYTE);
     }
 
-    // A complete 2 by 2 framebuffer holding the frame that download() reads.
-    void bindFrame(PF_PixelFormat format)
-    {
-        frame().prepare(2, 2, false, AEOpenGLUtilities::RenderTargetFormat(format));
-        frame().beginDrawing();
-        glClearColor(1.0f, 0.5f, 0.25f, 0.0f);
-        glClear(GL_COLOR_BUFFER_BIT);
-    }
-
     void expectNothingHeld()
     {
         EXPECT_EQ(mHost.suites().outstanding(), 0u);
@@ -113,7 +104,10 @@ TEST_P(HostFailureTest, ThrowsTheHostsNumberGivesEverythingBackAndWritesNothing)
                      [](A_long x, A_long y, int channel) { return ((x * 7 + y * 13 + channel * 3) % 17) / 16.0; });
     const std::vector<unsigned char> before = HostPixels::bytes(world);
     if (!failure.upload) {
-        bindFrame(failure.format);
+        frame().prepare(2, 2, false, AEOpenGLUtilities::RenderTargetFormat(failure.format));
+        frame().beginDrawing();
+        glClearColor(1.0f, 0.5f, 0.25f, 0.0f);
+        glClear(GL_COLOR_BUFFER_BIT);
     }
     mHost.failures().fail(failure.call, failure.status);
     const auto objects = liveObjects();

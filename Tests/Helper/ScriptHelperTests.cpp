@@ -75,12 +75,6 @@ TEST_F(ScriptHelperTest, ReturnsWhatTextThereIsAsGivenAndReleasesTheSuitesInReve
     answer({A_Err_GENERIC, std::nullopt, std::string("ReferenceError")});
     EXPECT_EQ(run(), "") << "a null result handle";
 
-    host.setScriptHandler(nullptr);
-    EXPECT_EQ(run(), "") << "a host without scripting";
-
-    host.failures().fail(HostCall::ExecuteScript, A_Err_GENERIC, 0, 1);
-    EXPECT_EQ(run(), "");
-
     answer({A_Err_NONE, std::string("locked out"), std::string("and this")});
     host.failures().fail(HostCall::LockMemHandle, A_Err_PARAMETER, 0, 1);
     EXPECT_EQ(run(), "") << "the result could not be locked";
