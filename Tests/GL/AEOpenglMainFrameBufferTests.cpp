@@ -37,12 +37,9 @@ protected:
     // The RGBA floats of level 0 of the texture, rows bottom first; then the texture is deleted.
     static std::vector<float> takeTexture(GLuint texture)
     {
-        GLint width = 0;
-        GLint height = 0;
+        const std::vector<GLint> size = layout(texture);
+        std::vector<float> contents(static_cast<std::size_t>(size[1]) * static_cast<std::size_t>(size[2]) * 4);
         glBindTexture(GL_TEXTURE_2D, texture);
-        glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width);
-        glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &height);
-        std::vector<float> contents(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
         glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_FLOAT, contents.data());
         glBindTexture(GL_TEXTURE_2D, 0);
         glDeleteTextures(1, &texture);
