@@ -154,11 +154,16 @@ TEST_F(OpenglShaderTest, AFailedBuildPrintsItsStageLeavesNothingSetsNothingAndIs
     expectSettersTouchNothing(unbuilt);
 }
 
-TEST_F(OpenglShaderTest, ABuildKeepsOnlyItsProgramWhichASecondUseReusesAndUniformSettersWriteWhatGLReadsBack)
+TEST_F(OpenglShaderTest, ABuildKeepsOnlyItsProgramWhichASecondUseReusesAndTheSettersWriteWhatGLReadsBack)
 {
     const auto before = liveObjects();
     auto shader = std::make_unique<OpenglShader>(kVertex, kFragment);
+    shader->addAttributeBinding("a2", 2);
+    shader->addAttributeBinding("a3", 3);
+    shader->addAttributeBinding("a3", 7);  // the first binding of a name wins
     shader->useProgram();
+    EXPECT_EQ(shader->getAttributeLocation("a2"), 2);
+    EXPECT_EQ(shader->getAttributeLocation("a3"), 3);
     const GLuint program = shader->program();
     auto expected = before;
     expected.insert("program " + std::to_string(program));
@@ -207,27 +212,13 @@ TEST_F(OpenglShaderTest, ABuildKeepsOnlyItsProgramWhichASecondUseReusesAndUnifor
     EXPECT_EQ(integer(GL_TEXTURE_BINDING_2D), static_cast<GLint>(textures[1]));
     glActiveTexture(GL_TEXTURE0);
     glDeleteTextures(2, textures);
-    glUseProgram(0);
-    shader.reset();
-    EXPECT_EQ(liveObjects(), before) << "the destructor kept the program";
-}
 
-TEST_F(OpenglShaderTest, AttributeBindingsLandAndTheSettersEnableTheArrayWithOffsetAndStride)
-{
     GLuint vertexArray = 0;
     GLuint buffer = 0;
     glGenVertexArrays(1, &vertexArray);
     glBindVertexArray(vertexArray);
     glGenBuffers(1, &buffer);
     glBindBuffer(GL_ARRAY_BUFFER, buffer);
-    OpenglShader shader(kVertex, kFragment);
-    shader.addAttributeBinding("a2", 2);
-    shader.addAttributeBinding("a3", 3);
-    shader.addAttributeBinding("a3", 7);  // the first binding of a name wins
-    shader.useProgram();
-    EXPECT_EQ(shader.getAttributeLocation("a2"), 2);
-    EXPECT_EQ(shader.getAttributeLocation("a3"), 3);
-
     const auto value = [](GLuint index, GLenum name) {
         GLint read = 0;
         glGetVertexAttribiv(index, name, &read);
@@ -238,7 +229,7 @@ TEST_F(OpenglShaderTest, AttributeBindingsLandAndTheSettersEnableTheArrayWithOff
         // Offset and stride differ for every form, so that none is taken for another's.
         const std::uintptr_t offset = 4 * form.index;
         const int stride = 44 - static_cast<int>(offset);
-        form.point(shader, static_cast<int>(form.index), reinterpret_cast<const float*>(offset), stride);
+        form.point(*shader, static_cast<int>(form.index), reinterpret_cast<const float*>(offset), stride);
         EXPECT_EQ(value(form.index, GL_VERTEX_ATTRIB_ARRAY_ENABLED), 1);
         EXPECT_EQ(value(form.index, GL_VERTEX_ATTRIB_ARRAY_SIZE), form.size);
         EXPECT_EQ(value(form.index, GL_VERTEX_ATTRIB_ARRAY_TYPE), static_cast<GLint>(form.type));
@@ -249,17 +240,19 @@ TEST_F(OpenglShaderTest, AttributeBindingsLandAndTheSettersEnableTheArrayWithOff
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(pointer), offset);
     }
 
-    shader.disableVertexAttributeArray("a3");
-    shader.disableVertexAttributeArray(9);
+    shader->disableVertexAttributeArray("a3");
+    shader->disableVertexAttributeArray(9);
     EXPECT_EQ(value(3, GL_VERTEX_ATTRIB_ARRAY_ENABLED), 0);
     EXPECT_EQ(value(9, GL_VERTEX_ATTRIB_ARRAY_ENABLED), 0);
     // Named forms skip an attribute the program lacks.
-    shader.setAttribute3fv("absent", nullptr, 0);
-    shader.disableVertexAttributeArray("absent");
+    shader->setAttribute3fv("absent", nullptr, 0);
+    shader->disableVertexAttributeArray("absent");
 
-    glUseProgram(0);
     glDeleteBuffers(1, &buffer);
     glDeleteVertexArrays(1, &vertexArray);
+    glUseProgram(0);
+    shader.reset();
+    EXPECT_EQ(liveObjects(), before) << "the destructor kept the program";
 }
 
 }  // namespace
