@@ -16,11 +16,8 @@
 
 namespace Halvane::Quorvex::Testing {
 
-// A test in the plug-in's own share group, as a frame runs: the shared data
-// context exists, and the thread's render context is current. A host runtime
-// gives worlds and suites. TearDown sets down like the effect does: the main
-// frame buffer is destroyed with the shared data context current, then every
-// context goes.
+// A test in the plug-in's share group with the thread's render context current, as a frame runs. TearDown
+// sets down as the effect does: the frame buffer goes with the shared data context current, then the contexts.
 class RenderContextTest : public GLContextTest {
 protected:
     void SetUp() override
@@ -48,9 +45,7 @@ protected:
 
     static AEOpenglMainFrameBuffer& frame() { return *AEOpenglMainFrameBuffer::mainFrameBuffer(); }
 
-    // The GL objects alive in the current context among the first names of
-    // each kind, as "kind name": what a step made or deleted shows as a
-    // difference of two of these.
+    // The GL objects alive in the current context among the first names of each kind, as "kind name".
     static std::set<std::string> liveObjects()
     {
         using namespace gl;
@@ -68,13 +63,6 @@ protected:
             }
         }
         return live;
-    }
-
-    static gl::GLint integer(gl::GLenum name)
-    {
-        gl::GLint value = 0;
-        gl::glGetIntegerv(name, &value);
-        return value;
     }
 
     Host::HostRuntime mHost;

@@ -1,7 +1,5 @@
-// The effect's frames draw single-sample; other callers of the frame buffer
-// may still multisample. The same frame both ways, through a pass that
-// changes nothing, comes back as the input and the two agree to the depth's
-// rounding: a change in either path shows here.
+// The effect's frames draw single-sample, other callers of the frame buffer may multisample: through a pass
+// that changes nothing, both give the input back to the depth's rounding.
 #include "RenderContextTest.h"
 
 #include <memory>

@@ -1,10 +1,7 @@
-// Scripts run through the host runtime's utility suite, and the trimming of
-// their results.
 #include "Helper/ScriptHelper.h"
 
 #include "AEGPSuites.h"
 #include "Runtime/HostRuntime.h"
-#include "SuiteLog.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +17,20 @@ using Host::SuiteFailure;
 using Lines = std::vector<std::string>;
 using ScriptHelper::RunSriptAndGetStringResult;
 using ScriptHelper::TrimStringWhiteSpaces;
+
+// The host's log of suites, an entry a line: "Acquired PF World Suite 2".
+Lines suiteLog(const Host::SuiteRegistry& suites)
+{
+    using Event = Host::SuiteRegistry::Event;
+    Lines lines;
+    for (const auto& entry : suites.log()) {
+        const char* event = entry.event == Event::Acquired   ? "Acquired "
+                            : entry.event == Event::Released ? "Released "
+                                                             : "Refused ";
+        lines.push_back(event + entry.name + " " + std::to_string(entry.version));
+    }
+    return lines;
+}
 
 class ScriptHelperTest : public ::testing::Test {
 protected:
@@ -64,55 +75,29 @@ TEST_F(ScriptHelperTest, ReturnsWhatTextThereIsAsGivenAndReleasesTheSuitesInReve
     answer({A_Err_GENERIC, std::nullopt, std::string("ReferenceError")});
     EXPECT_EQ(run(), "") << "a null result handle";
 
-    host.setScriptHandler(nullptr);
-    EXPECT_EQ(run(), "") << "a host without scripting";
-
-    host.failures().fail(HostCall::ExecuteScript, A_Err_GENERIC, 0, 1);
-    EXPECT_EQ(run(), "");
-
     answer({A_Err_NONE, std::string("locked out"), std::string("and this")});
     host.failures().fail(HostCall::LockMemHandle, A_Err_PARAMETER, 0, 1);
     EXPECT_EQ(run(), "") << "the result could not be locked";
 }
 
-TEST_F(ScriptHelperTest, AMissingSuiteThrowsAfterReleasingWhatWasTaken)
+TEST_F(ScriptHelperTest, AMissingSuiteThrowsAfterReleasingWhatWasTakenAndTrimmingDropsOuterWhiteSpaceOnly)
 {
     answer({A_Err_NONE, std::string("never"), std::nullopt});
-    const Lines memoryRefused = {"Acquired " kAEGPUtilitySuite " 11", "Refused " kAEGPMemorySuite " 1",
-                                 "Released " kAEGPUtilitySuite " 11"};
-    struct Case {
-        const char* suite;
-        A_long version;
-        SuiteFailure how;  // status 0 without a table is no suite either
-        Lines log;
-    };
-    for (const Case& missing : {Case{kAEGPMemorySuite, 1, SuiteFailure::Missing, memoryRefused},
-                                Case{kAEGPMemorySuite, 1, SuiteFailure::NullWithoutStatus, memoryRefused},
-                                Case{kAEGPUtilitySuite, 11, SuiteFailure::Missing,
-                                     {"Refused " kAEGPUtilitySuite " 11"}}}) {
-        SCOPED_TRACE(missing.suite);
-        host.failures().clear();
-        host.suites().clearLog();
-        host.failures().failSuite(missing.suite, missing.version, missing.how);
-        try {
-            run();
-            ADD_FAILURE() << "no throw";
-        } catch (int thrown) {
-            EXPECT_EQ(thrown, A_Err_MISSING_SUITE);
-        }
-        EXPECT_EQ(suiteLog(host.suites()), missing.log);
+    // Status 0 without a table is no suite either.
+    host.failures().failSuite(kAEGPMemorySuite, 1, SuiteFailure::NullWithoutStatus);
+    try {
+        run();
+        ADD_FAILURE() << "no throw";
+    } catch (int thrown) {
+        EXPECT_EQ(thrown, A_Err_MISSING_SUITE);
     }
+    EXPECT_EQ(suiteLog(host.suites()), (Lines{"Acquired " kAEGPUtilitySuite " 11", "Refused " kAEGPMemorySuite " 1",
+                                             "Released " kAEGPUtilitySuite " 11"}));
     EXPECT_TRUE(scripts.empty());
-}
 
-TEST(TrimStringWhiteSpacesTest, DropsOuterWhiteSpaceOnly)
-{
-    EXPECT_EQ(TrimStringWhiteSpaces(""), "");
     EXPECT_EQ(TrimStringWhiteSpaces(" \t\n\v\f\r"), "");
     EXPECT_EQ(TrimStringWhiteSpaces("\t a  b\nc \r\n"), "a  b\nc");
-    EXPECT_EQ(TrimStringWhiteSpaces("x"), "x");
-    // In the C locale, bytes above 0x7f are not white space (here a UTF-8
-    // no-break space).
+    // In the C locale, bytes above 0x7f are not white space (here a UTF-8 no-break space).
     EXPECT_EQ(TrimStringWhiteSpaces("\xc2\xa0x\xc2\xa0"), "\xc2\xa0x\xc2\xa0");
 }
 

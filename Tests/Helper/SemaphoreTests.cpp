@@ -1,5 +1,4 @@
-// Wake order and counting of the semaphore, with every waiter known to be
-// blocked before the next one arrives or a signal is given.
+// Every waiter is known to be blocked before the next one arrives or a signal is given.
 #include "Helper/Semaphore.h"
 
 #include <gtest/gtest.h>

@@ -17,24 +17,14 @@
 #include <mutex>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Halvane::Quorvex::Testing {
 
-// Gives each test what a host has when it calls the plug-in: a GL context of
-// its own ("the host's"), current on the test's thread with a small pbuffer
-// as its surface, and bound in glbinding so that the test can make GL calls
-// in it. The context is made with EGL directly, not through the plug-in's
-// platform layer, as a host's would be.
-//
-// At TearDown the test must have destroyed every context that the platform
-// layer made for it; the thread is then left with nothing current.
-//
-// No GL error passes silently: after every GL call made through glbinding,
-// the test's own and the plug-in's, on any thread and in any context,
-// glGetError is asked, and an error recorded with the function's name fails
-// the test at TearDown. A test that provokes an error on purpose takes it
-// with takeGLError.
+// A GL context of the host's own, made with EGL directly as a host's would be, current on the test's thread
+// and bound in glbinding. At TearDown every platform-layer context must be gone, and every GL error that a
+// call through glbinding raised (any thread, any context) fails the test.
 class GLContextTest : public ::testing::Test {
 protected:
     void SetUp() override
@@ -82,18 +72,14 @@ protected:
         }
     }
 
-    // What the host has current: its display, its pbuffer, its context.
     GLPlatform::CurrentBinding hostBinding() const
     {
         return {mHostDisplay, mHostSurface, mHostSurface, mHostContext};
     }
 
-    GLPlatform::ContextHandle hostHandle() const { return mHostContext; }
-
     bool hostIsCurrent() const { return GLPlatform::currentBinding() == hostBinding(); }
 
-    // Makes the host's context current and points glbinding at it, as a host
-    // that draws with glbinding itself would.
+    // As a host that draws with glbinding itself would.
     void makeHostCurrent() const
     {
         ASSERT_TRUE(eglMakeCurrent(mHostDisplay, mHostSurface, mHostSurface, mHostContext));
@@ -107,7 +93,6 @@ protected:
         return static_cast<glbinding::ContextHandle>(reinterpret_cast<std::intptr_t>(mHostContext));
     }
 
-    // Leaves the calling thread with no context current.
     static void releaseCurrent()
     {
         const EGLDisplay display = eglGetCurrentDisplay();
@@ -118,6 +103,13 @@ protected:
 
     // The context that glbinding last bound on the calling thread.
     static glbinding::ContextHandle glbindingContext() { return tLastGlbindingContext; }
+
+    static gl::GLint integer(gl::GLenum name)
+    {
+        gl::GLint value = 0;
+        gl::glGetIntegerv(name, &value);
+        return value;
+    }
 
     static std::string standardOutputOf(const std::function<void()>& work)
     {
@@ -131,17 +123,6 @@ protected:
         ::testing::internal::CaptureStderr();
         work();
         return ::testing::internal::GetCapturedStderr();
-    }
-
-    // The code of the first GL error since the last take (GL_NO_ERROR for
-    // none); the record is cleared.
-    static gl::GLenum takeGLError()
-    {
-        std::lock_guard<std::mutex> lock(sErrorMutex);
-        const gl::GLenum first = sErrorCodes.empty() ? gl::GL_NO_ERROR : sErrorCodes.front();
-        sErrors.clear();
-        sErrorCodes.clear();
-        return first;
     }
 
     static std::size_t occurrences(const std::string& text, const std::string& part)
@@ -182,22 +163,17 @@ private:
             text << call.function->name() << " gave 0x" << std::hex << static_cast<unsigned>(error);
             std::lock_guard<std::mutex> lock(sErrorMutex);
             sErrors.push_back(text.str());
-            sErrorCodes.push_back(error);
         }
     }
 
     static std::vector<std::string> takeGLErrors()
     {
         std::lock_guard<std::mutex> lock(sErrorMutex);
-        std::vector<std::string> errors;
-        errors.swap(sErrors);
-        sErrorCodes.clear();
-        return errors;
+        return std::exchange(sErrors, {});
     }
 
     static inline std::mutex sErrorMutex;
     static inline std::vector<std::string> sErrors;
-    static inline std::vector<gl::GLenum> sErrorCodes;
 
     static inline thread_local glbinding::ContextHandle tLastGlbindingContext = -1;
 

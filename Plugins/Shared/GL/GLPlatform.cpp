@@ -278,16 +278,9 @@ std::unordered_map<EGLContext, GLPlatform::ContextId> gRegistry;
 GLPlatform::ContextId gNextId = 1;
 
 #ifdef QUORVEX_GL_INSTRUMENTED
-std::function<void(GLPlatform::ContextId)> gDestroyObserver;
 std::atomic<int> gInjectedFailures{0};
-std::atomic<std::uint64_t> gMakeCurrentCount{0};
 
-// What the test seams do on the way.
-void CountMakeCurrent()
-{
-    ++gMakeCurrentCount;
-}
-
+// What the test seam does on the way.
 void FailIfInjected()
 {
     for (int left = gInjectedFailures.load(); left > 0;) {
@@ -296,23 +289,12 @@ void FailIfInjected()
         }
     }
 }
-
-std::function<void(GLPlatform::ContextId)> DestroyObserver()
-{
-    return gDestroyObserver;
-}
 #else
-void CountMakeCurrent() {}
 void FailIfInjected() {}
-std::function<void(GLPlatform::ContextId)> DestroyObserver()
-{
-    return {};
-}
 #endif
 
 void MakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read, EGLContext context)
 {
-    CountMakeCurrent();
     if (eglMakeCurrent(display, draw, read, context) != EGL_TRUE) {
         throw GLPlatform::Error(Failure("eglMakeCurrent"));
     }
@@ -374,15 +356,9 @@ void GLPlatform::ContextDeleter::operator()(Context* context) const noexcept
     // A context current on some thread lives on until that thread lets it go;
     // EGL sees to that.
     eglDestroyContext(context->display, context->context);
-    std::function<void(ContextId)> observer;
     {
         std::lock_guard<std::mutex> lock(gRegistryMutex);
-        if (gRegistry.erase(context->context) > 0) {
-            observer = DestroyObserver();
-        }
-    }
-    if (observer) {
-        observer(context->id);
+        gRegistry.erase(context->context);
     }
     delete context;
 }
@@ -453,20 +429,9 @@ std::size_t GLPlatform::liveContextCount()
 }
 
 #ifdef QUORVEX_GL_INSTRUMENTED
-std::uint64_t GLPlatform::makeCurrentCount()
-{
-    return gMakeCurrentCount.load();
-}
-
 void GLPlatform::failNextContextCreations(int count)
 {
     gInjectedFailures.store(count);
-}
-
-void GLPlatform::setDestroyObserver(std::function<void(ContextId)> observer)
-{
-    std::lock_guard<std::mutex> lock(gRegistryMutex);
-    gDestroyObserver = std::move(observer);
 }
 #endif
 

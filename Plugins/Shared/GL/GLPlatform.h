@@ -90,14 +90,10 @@ public:
     static std::size_t liveContextCount();
 
 #ifdef QUORVEX_GL_INSTRUMENTED
-    // Test seams, only in the instrumented build of the library that tests
-    // and benchmarks link (never in the module users load): the count of
-    // context switches, the next `count` creations failing as if EGL had
-    // refused them, and an observer that, while set, hears of every context
-    // destroyed.
-    static std::uint64_t makeCurrentCount();
+    // A test seam, only in the instrumented build of the library that tests
+    // link (never in the module users load): the next `count` creations fail
+    // as if EGL had refused them.
     static void failNextContextCreations(int count);
-    static void setDestroyObserver(std::function<void(ContextId)> observer);
 #endif
 };
 
