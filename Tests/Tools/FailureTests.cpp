@@ -131,10 +131,8 @@ TEST_F(FailureTest, OptionValuesThatMakeNoSense)
     expectFailure(with({"--time-offset", "1"}), 2, {"--time-offset", "single picture"});
     expectFailure(with({"--frames", "1:10"}), 2, {"--frames", "in.png"});
     expectFailure(with({"--codec", "libx264"}), 2, {"--codec", "out.png"});
-    expectFailure({"render", path("in.png"), path("out.mp4"), "--codec", "nosuchcodec"}, 2,
-                  {"'nosuchcodec'"});
-    expectFailure({"render", path("in.png"), path("out.mp4"), "--codec", "aac"}, 2,
-                  {"'aac'", "not a video"});
+    expectFailure({"render", path("in.png"), path("out.mp4"), "--codec", "nosuchcodec"}, 2, {"'nosuchcodec'"});
+    expectFailure({"render", path("in.png"), path("out.mp4"), "--codec", "aac"}, 2, {"'aac'", "not a video"});
     expectFailure({"render", path("in.png")}, 2, {"output"});
     expectFailure({"spin"}, 2, {"'spin'"});
     expectFailure(with({"--bogus"}), 2, {"'--bogus'"});
@@ -146,16 +144,13 @@ TEST_F(FailureTest, SequencesWithGapsAndClipsIntoOnePicture)
         TestMedia::writePicture(path(name), 2, 2, 3, OIIO::TypeDesc::UINT8, [](int, int, int) { return 9.0; });
     }
     expectFailure({"render", path("f.%d.png"), path("out.%d.png")}, 1, {"f.3.png"});
-    expectFailure({"render", path("g.%d.png"), path("out.%d.png")}, 1,
-                  {"g.%d.png", "no files match"});
-    expectFailure({"render", path("f.%d.png"), path("out.png"), "--frames", "1:2"}, 2,
-                  {"out.png", "2 frames"});
+    expectFailure({"render", path("g.%d.png"), path("out.%d.png")}, 1, {"g.%d.png", "no files match"});
+    expectFailure({"render", path("f.%d.png"), path("out.png"), "--frames", "1:2"}, 2, {"out.png", "2 frames"});
     // Frame 2 lies past the host's 32-bit time at 24 fps.
     expectFailure({"render", path("f.%d.png"), path("out.%d.png"), "--frames", "1:2",
                    "--time-offset", "89478485.29"},
                   2, {"--time-offset", "frame 2"}, {{"QUORVEX_FAKE_RENDER_STATUS", "77"}});
-    expectFailure({"render", path("f.%099999999999d.png"), path("out.%d.png")}, 2,
-                  {"more than 9 digits"});
+    expectFailure({"render", path("f.%099999999999d.png"), path("out.%d.png")}, 2, {"more than 9 digits"});
 }
 
 TEST_F(FailureTest, OutputsThatCannotBeWritten)
