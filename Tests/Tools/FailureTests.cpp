@@ -198,6 +198,8 @@ TEST_F(FailureTest, AFailureHalfwayOrAClosedPipeOnStandardErrorLeavesNoPartOfThe
     expectFailure({"render", path("clip.mkv"), path("out.mp4"), "--quiet"}, 1,
                   {"frame 4", "clip.mkv"}, failFourth);
     expectFailure({"render", path("clip.mkv"), path("out.%02d.png")}, 1, {"frame 4"}, failFourth);
+    expectFailure({"render", path("clip.mkv"), path("out.mkv"), "--frames", "4:6"}, 1,
+                  {"clip.mkv' has 6 frames", "4:6"});
     // A closed pipe on standard error is an error, not a death by SIGPIPE; the note that MP4 drops alpha
     // meets it while the output is reserved.
     int pipe[2];
