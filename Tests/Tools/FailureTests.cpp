@@ -1,7 +1,5 @@
-// Every bad input ends with exit code 2 (usage) or 1 (runtime), one line on
-// standard error naming the culprit, and no file left behind; so do a signal
-// at any moment of a render or a demo (with 128 + the signal) and a closed
-// pipe on standard error.
+// Bad input ends with exit code 2 (usage) or 1 (runtime), one line on standard error naming the culprit,
+// and no file left behind; so do a signal at any moment (with 128 + the signal) and a closed pipe.
 #include "Tools/Support/ToolTest.h"
 
 #include <gmock/gmock.h>
@@ -13,6 +11,8 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -29,28 +29,24 @@ protected:
         ToolTest::SetUp();
         TestMedia::writePicture(path("in.png"), 20, 10, 4, OIIO::TypeDesc::UINT8,
                                 [](int x, int, int) { return x * 10.0; });
-        mInputs = files();
     }
 
-    // Checks the exit code, that standard error is `lines` lines holding
-    // every piece of `words`, and that no file appeared.
-    void expectFailure(const ToolResult& result, int exitCode,
-                       const std::vector<std::string>& words, int lines = 1)
+    // Runs the program, with the fake effect unless another module is named, and checks the exit code,
+    // that standard error is `lines` lines holding every piece of `words`, and that no file appeared.
+    void expectFailure(std::vector<std::string> arguments, int exitCode, const std::vector<std::string>& words,
+                       const std::map<std::string, std::string>& environment = {}, int lines = 1)
     {
+        const std::set<std::string> before = files();
+        if (std::find(arguments.begin(), arguments.end(), "--plugin") == arguments.end()) {
+            arguments.insert(arguments.end(), {"--plugin", QUORVEX_FAKE_EFFECT_PATH});
+        }
+        const ToolResult result = run(arguments, environment);
         EXPECT_EQ(result.exitCode, exitCode) << result.err;
         for (const std::string& word : words) {
             EXPECT_THAT(result.err, HasSubstr(word));
         }
         EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), lines) << result.err;
-        EXPECT_EQ(files(), mInputs) << "a failed run must leave nothing behind";
-    }
-
-    // The same for a render with the fake effect.
-    void expectFailure(const std::vector<std::string>& arguments, int exitCode,
-                       const std::vector<std::string>& words,
-                       const std::map<std::string, std::string>& environment = {}, int lines = 1)
-    {
-        expectFailure(runFake(arguments, environment), exitCode, words, lines);
+        EXPECT_EQ(files(), before) << "a failed run must leave nothing behind";
     }
 
     // Renders in.png to out.png with these options.
@@ -61,13 +57,11 @@ protected:
         return arguments;
     }
 
-    // How many lines the fake effect logged for `command`.
+    // How many times the fake effect logged `command`.
     int logged(const std::string& command) const
     {
-        const std::vector<std::string> log = lines("effect.log");
-        return static_cast<int>(std::count_if(log.begin(), log.end(), [&](const std::string& line) {
-            return line.rfind(command, 0) == 0;
-        }));
+        std::istringstream log(contents("effect.log"));
+        return static_cast<int>(std::count(std::istream_iterator<std::string>(log), {}, command));
     }
 
     // Starts `quorvex ARGUMENTS --plugin <fake effect>`, logging to effect.log,
@@ -101,23 +95,22 @@ protected:
         EXPECT_EQ(after, mInputs);
     }
 
-    std::set<std::string> mInputs;
+    std::set<std::string> mInputs;  // what a signalled run must leave
 };
 
 TEST_F(FailureTest, InputsThatCannotBeRead)
 {
-    expectFailure({"render", path("missing.png"), path("out.png")}, 1,
-                  {"missing.png", "no such file"});
+    expectFailure({"render", path("missing.png"), path("out.png")}, 1, {"missing.png", "no such file"});
     expectFailure({"render", mFolder, path("out.png")}, 1, {mFolder, "folder"});
     std::ofstream(path("notes.png")) << "these are notes, not a picture\n";
-    mInputs = files();
-    expectFailure({"render", path("notes.png"), path("out.png")}, 1,
-                  {"notes.png", "not a picture or video"});
+    expectFailure({"render", path("notes.png"), path("out.png")}, 1, {"notes.png", "not a picture or video"});
     // libpng's own lines and OpenImageIO's several join the one line.
     const std::string whole = contents("in.png");
     std::ofstream(path("cut.png"), std::ios::binary) << whole.substr(0, whole.size() - 30);
-    mInputs = files();
     expectFailure({"render", path("cut.png"), path("out.png")}, 1, {"cut.png", "end of file"});
+    // A header claiming terabytes is refused before any pixel buffer is made.
+    std::ofstream(path("huge.ppm")) << "P6\n1000000 1000000\n255\n" << std::string(4096, '\0');
+    expectFailure({"render", path("huge.ppm"), path("out.png")}, 1, {"huge.ppm", "1000000x1000000"});
     if (::geteuid() != 0) {
         ::chmod(path("in.png").c_str(), 0);
         expectFailure(with({}), 1, {"in.png", "Permission denied"});
@@ -138,10 +131,8 @@ TEST_F(FailureTest, OptionValuesThatMakeNoSense)
     expectFailure(with({"--time-offset", "1"}), 2, {"--time-offset", "single picture"});
     expectFailure(with({"--frames", "1:10"}), 2, {"--frames", "in.png"});
     expectFailure(with({"--codec", "libx264"}), 2, {"--codec", "out.png"});
-    expectFailure({"render", path("in.png"), path("out.mp4"), "--codec", "nosuchcodec"}, 2,
-                  {"'nosuchcodec'"});
-    expectFailure({"render", path("in.png"), path("out.mp4"), "--codec", "aac"}, 2,
-                  {"'aac'", "not a video"});
+    expectFailure({"render", path("in.png"), path("out.mp4"), "--codec", "nosuchcodec"}, 2, {"'nosuchcodec'"});
+    expectFailure({"render", path("in.png"), path("out.mp4"), "--codec", "aac"}, 2, {"'aac'", "not a video"});
     expectFailure({"render", path("in.png")}, 2, {"output"});
     expectFailure({"spin"}, 2, {"'spin'"});
     expectFailure(with({"--bogus"}), 2, {"'--bogus'"});
@@ -150,49 +141,32 @@ TEST_F(FailureTest, OptionValuesThatMakeNoSense)
 TEST_F(FailureTest, SequencesWithGapsAndClipsIntoOnePicture)
 {
     for (const char* name : {"f.1.png", "f.2.png", "f.4.png"}) {
-        TestMedia::writePicture(path(name), 2, 2, 3, OIIO::TypeDesc::UINT8,
-                                [](int, int, int) { return 9.0; });
+        TestMedia::writePicture(path(name), 2, 2, 3, OIIO::TypeDesc::UINT8, [](int, int, int) { return 9.0; });
     }
-    mInputs = files();
     expectFailure({"render", path("f.%d.png"), path("out.%d.png")}, 1, {"f.3.png"});
-    expectFailure({"render", path("g.%d.png"), path("out.%d.png")}, 1,
-                  {"g.%d.png", "no files match"});
-    expectFailure({"render", path("f.%d.png"), path("out.png"), "--frames", "1:2"}, 2,
-                  {"out.png", "2 frames"});
+    expectFailure({"render", path("g.%d.png"), path("out.%d.png")}, 1, {"g.%d.png", "no files match"});
+    expectFailure({"render", path("f.%d.png"), path("out.png"), "--frames", "1:2"}, 2, {"out.png", "2 frames"});
     // Frame 2 lies past the host's 32-bit time at 24 fps.
     expectFailure({"render", path("f.%d.png"), path("out.%d.png"), "--frames", "1:2",
                    "--time-offset", "89478485.29"},
                   2, {"--time-offset", "frame 2"}, {{"QUORVEX_FAKE_RENDER_STATUS", "77"}});
-    expectFailure({"render", path("f.%099999999999d.png"), path("out.%d.png")}, 2,
-                  {"more than 9 digits"});
-}
-
-// A few bytes of header claiming a picture of terabytes: refused from the
-// header, naming the file and the size, before any pixel buffer is made.
-TEST_F(FailureTest, SizesThatHeadersClaimAreRefusedBeforeThePixels)
-{
-    std::ofstream(path("huge.ppm")) << "P6\n1000000 1000000\n255\n" << std::string(4096, '\0');
-    mInputs = files();
-    expectFailure({"render", path("huge.ppm"), path("out.png")}, 1, {"huge.ppm", "1000000x1000000"});
+    expectFailure({"render", path("f.%099999999999d.png"), path("out.%d.png")}, 2, {"more than 9 digits"});
 }
 
 TEST_F(FailureTest, OutputsThatCannotBeWritten)
 {
     expectFailure({"render", path("in.png"), path("no/such/folder/out.png")}, 1,
                   {"no/such/folder/out.png", "No such file or directory"});
-    expectFailure({"render", path("in.png"), path("no/such/folder/out.mp4")}, 1,
-                  {"no/such/folder/out.mp4"});
+    expectFailure({"render", path("in.png"), path("no/such/folder/out.mp4")}, 1, {"no/such/folder/out.mp4"});
     // A picture's output name is taken as typed, pattern or not.
     expectFailure({"render", path("in.png"), path("no/out.%04d.png")}, 1, {"no/out.%04d.png"});
-    // Encoders and containers that refuse: the output, the setting and the
-    // library's reason on one line.
+    // Encoders and containers that refuse: the output, the setting and the library's reason.
     expectFailure({"render", path("in.png"), path("out.mov"), "--codec", "dnxhd"}, 1,
                   {"out.mov", "dnxhd", "DNxHD"});
     expectFailure({"render", path("in.png"), path("out.y4m")}, 1, {"out.y4m", "yuv4mpeg"});
     expectFailure({"render", path("in.png"), path("out.mp3")}, 2, {"'.mp3'"});
     if (::geteuid() != 0) {
         ::mkdir(path("locked").c_str(), 0555);
-        mInputs = files();
         expectFailure({"render", path("in.png"), path("locked/out.png")}, 1,
                       {"locked/out.png", "Permission denied"});
     }
@@ -200,78 +174,76 @@ TEST_F(FailureTest, OutputsThatCannotBeWritten)
 
 TEST_F(FailureTest, ModulesThatDoNotLoadOrFail)
 {
-    expectFailure(run(with({"--plugin", path("gone.so")})), 1, {"gone.so", "cannot load"});
-    expectFailure(run(with({"--plugin", path("in.png")})), 1, {"in.png"});
-
-    expectFailure(with({}), 1, {"GlobalSetup", "out of memory"},
-                  {{"QUORVEX_FAKE_SETUP_STATUS", "4"}});
+    expectFailure(with({"--plugin", path("gone.so")}), 1, {"gone.so", "cannot load"});
+    expectFailure(with({"--plugin", path("in.png")}), 1, {"in.png"});
+    expectFailure(with({}), 1, {"GlobalSetup", "out of memory"}, {{"QUORVEX_FAKE_SETUP_STATUS", "4"}});
     // A status from rendering is named in words where it has a name.
     for (const auto& [status, words] : std::map<std::string, std::vector<std::string>>{
              {"4", {"in.png", "out of memory (error 4)"}}, {"13", {"suite", "(error 13)"}},
              {"516", {"bad callback parameter (error 516)"}}, {"77", {"error 77"}}}) {
         expectFailure(with({}), 1, words, {{"QUORVEX_FAKE_RENDER_STATUS", status}});
     }
-    // The module says what the limit is; the program names the frame and
-    // its size.
+    // The module says what the limit is; the program names the frame and its size.
     expectFailure(with({}), 1, {"larger than the GL limits", "20x10", "in.png"},
                   {{"QUORVEX_FAKE_MAX_PIXELS", "199"}}, 2);
 }
 
 TEST_F(FailureTest, AFailureHalfwayOrAClosedPipeOnStandardErrorLeavesNoPartOfTheOutput)
 {
-    TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{},
-                         [](int, int, int, int) { return 100; });
-    mInputs = files();
+    TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{}, [](int, int, int, int) { return 100; });
+    const std::set<std::string> inputs = files();
     const std::map<std::string, std::string> failFourth{{"QUORVEX_FAKE_RENDER_STATUS", "516"},
                                                         {"QUORVEX_FAKE_FAIL_FROM", "4"}};
     // Quiet keeps the note about alpha away, not the error.
     expectFailure({"render", path("clip.mkv"), path("out.mp4"), "--quiet"}, 1,
                   {"frame 4", "clip.mkv"}, failFourth);
     expectFailure({"render", path("clip.mkv"), path("out.%02d.png")}, 1, {"frame 4"}, failFourth);
-    // A closed pipe on standard error is an error, not a death by SIGPIPE.
+    expectFailure({"render", path("clip.mkv"), path("out.mkv"), "--frames", "4:6"}, 1,
+                  {"clip.mkv' has 6 frames", "4:6"});
+    // A closed pipe on standard error is an error, not a death by SIGPIPE; the note that MP4 drops alpha
+    // meets it while the output is reserved.
     int pipe[2];
     ASSERT_EQ(::pipe(pipe), 0);
     ::close(pipe[0]);
-    // The note that MP4 drops alpha meets the closed pipe while the output
-    // is reserved.
     ToolProcess process(QUORVEX_TOOL_PATH,
                         {"render", path("clip.mkv"), path("out.mp4"), "--plugin", QUORVEX_FAKE_EFFECT_PATH},
                         {{"QUORVEX_FAKE_FRAME_DELAY_MS", "200"}}, false, pipe[1]);
     ::close(pipe[1]);
     ASSERT_TRUE(process.endsWithin(std::chrono::seconds(10)));
     EXPECT_EQ(process.wait().exitCode, 1);
-    EXPECT_EQ(files(), mInputs);
+    EXPECT_EQ(files(), inputs);
 }
 
-TEST_F(FailureTest, ASignalDuringAVideoOrASequenceLeavesNoFile)
+TEST_F(FailureTest, ASignalAtAnyMomentLeavesNoFile)
 {
     writeSequence("in.%d.png", 1, 40, 8, 8, 4, [](int, int, int, int) { return 50.0; });
-    mInputs = files();
-    const struct {
-        const char* output;
-        int signal;
-        const char* name;
-    } cases[] = {{"out.mp4", SIGINT, "interrupted"}, {"out.%02d.png", SIGTERM, "SIGTERM"}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.output);
-        // A slow render, signalled once it has rendered a few frames.
-        const auto process = startFake({"render", path("in.%d.png"), path(c.output)},
-                                       {{"QUORVEX_FAKE_FRAME_DELAY_MS", "100"}}, "SmartRender", 3);
-        expectStopped(*process, c.signal, c.name);
-        EXPECT_LT(logged("SmartRender"), 40) << "the render went on to the end";
-    }
-}
-
-TEST_F(FailureTest, ASignalBeforeTheFirstFrameOrBetweenDemoClipsLeavesNoFile)
-{
     TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{}, [](int, int, int, int) { return 100; });
     ASSERT_EQ(::mkfifo(path("fifo.png").c_str(), 0600), 0);
     mInputs = files();
+    const struct {
+        const char* input;
+        const char* output;
+        const char* delayed;  // FRAME, or SETUP where the run is signalled in GlobalSetup
+        const char* milliseconds;
+        const char* awaited;
+        int count;
+        int signal;
+        const char* name;
+    } cases[] = {{"in.%d.png", "out.mp4", "FRAME", "100", "SmartRender", 3, SIGINT, "interrupted"},
+                 {"in.%d.png", "out.%02d.png", "FRAME", "100", "SmartRender", 3, SIGTERM, "SIGTERM"},
+                 {"clip.mkv", "out.mkv", "SETUP", "3000", "GlobalSetup", 1, SIGINT, "interrupted"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.output);
+        const std::string delay = std::string("QUORVEX_FAKE_") + c.delayed + "_DELAY_MS";
+        const auto process = startFake({"render", path(c.input), path(c.output)}, {{delay, c.milliseconds}},
+                                       c.awaited, c.count);
+        expectStopped(*process, c.signal, c.name);
+        EXPECT_LT(logged("SmartRender"), 40) << "the render went on to the end";
+    }
     {
         SCOPED_TRACE("blocked opening an input that no one writes");
         ToolProcess process(QUORVEX_TOOL_PATH, {"render", path("fifo.png"), path("out.png")}, {}, false);
-        // A writer gets in once the program reads; it then opens the file
-        // anew and waits there for the next.
+        // A writer gets in once the program reads; it then opens the file anew and waits there for the next.
         int writer = -1;
         for (int tries = 0; writer < 0 && tries < 1500; ++tries) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -282,21 +254,13 @@ TEST_F(FailureTest, ASignalBeforeTheFirstFrameOrBetweenDemoClipsLeavesNoFile)
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         expectStopped(process, SIGTERM, "");
     }
-    {
-        SCOPED_TRACE("setting up, the output reserved");
-        const auto process = startFake({"render", path("clip.mkv"), path("out.mkv")},
-                                       {{"QUORVEX_FAKE_SETUP_DELAY_MS", "3000"}}, "GlobalSetup", 1);
-        expectStopped(*process, SIGINT, "interrupted");
-    }
-    {
-        SCOPED_TRACE("a demo with its first clip done");
-        const auto process = startFake({"demo", path("demo")}, {{"QUORVEX_FAKE_FRAME_DELAY_MS", "5"}},
-                                       "SmartRender", 80);
-        process->sendSignal(SIGTERM);
-        ASSERT_TRUE(process->endsWithin(std::chrono::seconds(10)));
-        EXPECT_EQ(process->wait().exitCode, 128 + SIGTERM);
-        EXPECT_TRUE(std::filesystem::is_empty(path("demo"))) << "the finished clip must go too";
-    }
+    SCOPED_TRACE("a demo with its first clip done");
+    const auto process =
+        startFake({"demo", path("demo")}, {{"QUORVEX_FAKE_FRAME_DELAY_MS", "5"}}, "SmartRender", 80);
+    process->sendSignal(SIGTERM);
+    ASSERT_TRUE(process->endsWithin(std::chrono::seconds(10)));
+    EXPECT_EQ(process->wait().exitCode, 128 + SIGTERM);
+    EXPECT_TRUE(std::filesystem::is_empty(path("demo"))) << "the finished clip must go too";
 }
 
 }  // namespace

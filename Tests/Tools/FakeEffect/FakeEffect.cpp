@@ -1,19 +1,10 @@
-// A stand-in for the Quorvex effect with its two parameters, drawing a simple
-// function of the input pixel, time, Glitch Type and Speed
-// (FakeEffectFormula.h). Environment variables make it fail the way a real
-// module can:
-//   QUORVEX_FAKE_SETUP_STATUS=N   GlobalSetup returns N
-//   QUORVEX_FAKE_RENDER_STATUS=N  SmartRender returns N ...
-//   QUORVEX_FAKE_FAIL_FROM=K      ... from the K-th frame on (default 1)
-//   QUORVEX_FAKE_MAX_PIXELS=N     frames above N pixels fail with 516 and a
-//                                 line on standard error, as frames beyond
-//                                 the GL limits do
-//   QUORVEX_FAKE_GL_REPORT=1      GlobalSetup prints an OpenGL report on
-//                                 standard output after a line of its
-//                                 own, as a module with a context does
-//   QUORVEX_FAKE_FRAME_DELAY_MS=N each frame takes N milliseconds
-//   QUORVEX_FAKE_SETUP_DELAY_MS=N GlobalSetup takes N milliseconds
-//   QUORVEX_FAKE_LOG=PATH         appends a line per command to PATH
+// A stand-in for the Quorvex effect drawing FakeEffectFormula.h, made to fail
+// or stall by QUORVEX_FAKE_{SETUP,RENDER}_STATUS=N (the status returned),
+// QUORVEX_FAKE_FAIL_FROM=K (render fails from frame K on),
+// QUORVEX_FAKE_MAX_PIXELS=N (larger frames fail as beyond the GL limits),
+// QUORVEX_FAKE_GL_REPORT=1 (an OpenGL report on standard output),
+// QUORVEX_FAKE_{FRAME,SETUP}_DELAY_MS=N, and QUORVEX_FAKE_LOG=PATH (a line per
+// GlobalSetup and SmartRender).
 #include "BasicSuite.h"
 #include "Common.h"
 #include "EffectInterface.h"
@@ -39,16 +30,16 @@ long EnvironmentNumber(const char* name, long fallback)
     return text && *text ? std::strtol(text, nullptr, 10) : fallback;
 }
 
-// A line per command, with the frame's time where the command has one.
-void Log(const char* command, const PF_InData* in_data = nullptr)
+void Pause(const char* variable)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(EnvironmentNumber(variable, 0)));
+}
+
+void Log(const char* command)
 {
     const char* path = std::getenv("QUORVEX_FAKE_LOG");
     if (std::FILE* file = path && *path ? std::fopen(path, "a") : nullptr) {
-        if (in_data) {
-            std::fprintf(file, "%s %d/%u\n", command, in_data->current_time, in_data->time_scale);
-        } else {
-            std::fprintf(file, "%s\n", command);
-        }
+        std::fprintf(file, "%s\n", command);
         std::fclose(file);
     }
 }
@@ -56,8 +47,7 @@ void Log(const char* command, const PF_InData* in_data = nullptr)
 PF_Err GlobalSetup(PF_OutData* out_data)
 {
     Log("GlobalSetup");
-    std::this_thread::sleep_for(
-        std::chrono::milliseconds(EnvironmentNumber("QUORVEX_FAKE_SETUP_DELAY_MS", 0)));
+    Pause("QUORVEX_FAKE_SETUP_DELAY_MS");
     out_data->out_flags = PF_OutFlag_DEEP_COLOR_AWARE;
     out_data->out_flags2 = PF_OutFlag2_SUPPORTS_SMART_RENDER | PF_OutFlag2_FLOAT_COLOR_AWARE;
     if (std::getenv("QUORVEX_FAKE_GL_REPORT")) {
@@ -70,7 +60,6 @@ PF_Err GlobalSetup(PF_OutData* out_data)
 
 PF_Err ParamsSetup(PF_InData* in_data, PF_OutData* out_data)
 {
-    Log("ParamsSetup");
     out_data->num_params = kParameterCount;
     PF_ParamDef popup{};
     popup.param_type = PF_Param_POPUP;
@@ -92,7 +81,6 @@ PF_Err ParamsSetup(PF_InData* in_data, PF_OutData* out_data)
 
 PF_Err SmartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra)
 {
-    Log("SmartPreRender", in_data);
     PF_RenderRequest request = extra->input->output_request;
     PF_CheckoutResult result{};
     if (const PF_Err err = extra->cb->checkout_layer(
@@ -133,11 +121,9 @@ void Draw(PF_EffectWorld* input, PF_EffectWorld* output, int glitchType, int tim
 
 PF_Err SmartRender(PF_InData* in_data, PF_SmartRenderExtra* extra)
 {
-    Log("SmartRender", in_data);
+    Log("SmartRender");
     ++gRenderedFrames;
-    if (const long delay = EnvironmentNumber("QUORVEX_FAKE_FRAME_DELAY_MS", 0)) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(delay));
-    }
+    Pause("QUORVEX_FAKE_FRAME_DELAY_MS");
     if (gRenderedFrames >= EnvironmentNumber("QUORVEX_FAKE_FAIL_FROM", 1)) {
         if (const long status = EnvironmentNumber("QUORVEX_FAKE_RENDER_STATUS", 0)) {
             return static_cast<PF_Err>(status);
@@ -211,9 +197,6 @@ extern "C" __attribute__((visibility("default"))) PF_Err EntryPointFunc(
         return PF_Err_NONE;
     case PF_Cmd_GLOBAL_SETUP:
         return GlobalSetup(out_data);
-    case PF_Cmd_GLOBAL_SETDOWN:
-        Log("GlobalSetdown");
-        return PF_Err_NONE;
     case PF_Cmd_PARAMS_SETUP:
         return ParamsSetup(in_data, out_data);
     case PF_Cmd_SMART_PRE_RENDER:

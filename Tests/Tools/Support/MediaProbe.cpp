@@ -6,26 +6,17 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <sstream>
 
 namespace Halvane::Quorvex::Testing {
 
-std::vector<MediaSummary::Stream> MediaSummary::streamsOf(const std::string& type) const
-{
-    std::vector<Stream> found;
-    std::copy_if(streams.begin(), streams.end(), std::back_inserter(found),
-                 [&](const Stream& stream) { return stream.type == type; });
-    return found;
-}
-
 MediaSummary MediaProbe::probe(const std::string& path, bool keepPictures)
 {
     // ffprobe lists each stream, packet and frame as a section of KEY=VALUE
     // lines.
-    std::istringstream listing(TestMedia::runCommand("/", 
+    std::istringstream listing(TestMedia::runCommand("/",
         "ffprobe -v error -count_packets -show_entries stream=codec_type,codec_name,nb_read_packets,"
         "width,height,r_frame_rate,pix_fmt,color_primaries,color_transfer,color_space,color_range:"
         "stream_side_data=rotation:format_tags=title:frame=media_type,best_effort_timestamp_time:"
@@ -40,8 +31,11 @@ MediaSummary MediaProbe::probe(const std::string& path, bool keepPictures)
         }
         const auto number = [&](const char* key) { return std::atof(entries[key].c_str()); };
         if (line == "[/STREAM]") {
-            summary.streams.push_back({entries["codec_type"], entries["codec_name"],
-                                       std::atol(entries["nb_read_packets"].c_str())});
+            summary.streams += (summary.streams.empty() ? "" : " ") + entries["codec_type"] + ":" +
+                               entries["codec_name"];
+            if (entries["codec_type"] == "audio") {
+                summary.audioPackets += std::atol(entries["nb_read_packets"].c_str());
+            }
             if (entries["codec_type"] == "video" && summary.width == 0) {
                 summary.width = static_cast<int>(number("width"));
                 summary.height = static_cast<int>(number("height"));

@@ -8,14 +8,9 @@ namespace Halvane::Quorvex::Testing {
 
 // What a video file holds, as the ffprobe and ffmpeg programs find it.
 struct MediaSummary {
-    struct Stream {
-        std::string type;   // "video", "audio", ...
-        std::string codec;  // "h264", "aac", ...
-        long packets = 0;
-    };
-
-    std::vector<Stream> streams;
-    // Of the main video stream:
+    std::string streams;  // each stream's type and codec: "video:h264 audio:aac"
+    long audioPackets = 0;
+    // Of the first video stream:
     int width = 0;
     int height = 0;
     int rateNumerator = 0;
@@ -30,14 +25,11 @@ struct MediaSummary {
     double audioSeconds = 0.0;         // from the first audio packet to the last one's end
     // Every picture as 8-bit RGBA, when asked for.
     std::vector<std::vector<std::uint8_t>> pictures;
-
-    // The streams of one type.
-    std::vector<Stream> streamsOf(const std::string& type) const;
 };
 
 class MediaProbe {
 public:
-    // Fails the test when the file does not open or holds no video.
+    // Fails the test when the file holds no video.
     static MediaSummary probe(const std::string& path, bool keepPictures = false);
 };
 

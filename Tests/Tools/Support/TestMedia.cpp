@@ -15,9 +15,7 @@ namespace {
 // The file's own range of a sample type: integers count steps, floats are 0..1.
 double ScaleOf(OIIO::TypeDesc format)
 {
-    return format == OIIO::TypeDesc::UINT8    ? 255.0
-           : format == OIIO::TypeDesc::UINT16 ? 65535.0
-                                              : 1.0;
+    return format == OIIO::TypeDesc::UINT8 ? 255.0 : format == OIIO::TypeDesc::UINT16 ? 65535.0 : 1.0;
 }
 
 }  // namespace
@@ -25,8 +23,7 @@ double ScaleOf(OIIO::TypeDesc format)
 void TestMedia::writePicture(const std::string& path, int width, int height, int channels,
                              OIIO::TypeDesc format, const SampleFunction& sample)
 {
-    // Integer samples travel as exact fractions and come back rounded to
-    // themselves.
+    // Integer samples travel as exact fractions and come back rounded to themselves.
     std::vector<double> values(static_cast<std::size_t>(width) * height * channels);
     for (std::size_t i = 0; i < values.size(); ++i) {
         const auto pixel = static_cast<int>(i / channels);
@@ -69,8 +66,6 @@ PictureFile TestMedia::readPicture(const std::string& path)
 
 void TestMedia::writeClip(const std::string& path, const Clip& clip, const ClipFunction& sample)
 {
-    // Raw frames, encoded by the ffmpeg program with a 440 Hz tone as long
-    // as the video.
     const std::filesystem::path raw = path + ".rgba";
     std::string frames(static_cast<std::size_t>(clip.frames) * clip.height * clip.width * 4, '\0');
     for (std::size_t i = 0; i < frames.size(); ++i) {

@@ -9,9 +9,7 @@
 
 namespace Halvane::Quorvex::Testing {
 
-// A picture file's samples as numbers in the file's own range (0..255,
-// 0..65535, or float), interleaved, rows top to bottom; a sample outside
-// the picture throws, failing the test.
+// A picture file's samples in the file's own range (0..255, 0..65535, or float), interleaved, rows top down.
 struct PictureFile {
     int width = 0;
     int height = 0;
@@ -25,19 +23,16 @@ struct PictureFile {
     }
 };
 
-// Small media for the tests, written and read with OpenImageIO and the
-// FFmpeg libraries directly, not through the code under test.
+// Small media for the tests, written and read with OpenImageIO and ffmpeg, not with the code under test.
 class TestMedia {
 public:
     // The sample of channel `c` at (x, y), in the file's own range.
     using SampleFunction = std::function<double(int x, int y, int c)>;
 
-    // Writes the samples as they are: alpha stays straight in formats that
-    // can hold it so.
+    // Writes the samples as they are: alpha stays straight where the format can hold it so.
     static void writePicture(const std::string& path, int width, int height, int channels,
                              OIIO::TypeDesc format, const SampleFunction& sample);
-    // Reads the first picture of a file, alpha as stored where the format
-    // keeps straight alpha. Fails the test when the file does not read.
+    // The first picture of a file, alpha as stored; fails the test when the file does not read.
     static PictureFile readPicture(const std::string& path);
 
     struct Clip {
@@ -50,13 +45,11 @@ public:
     };
     // The RGBA sample of channel `c` at (x, y) of frame `frame`.
     using ClipFunction = std::function<std::uint8_t(int frame, int x, int y, int c)>;
-    // Writes a lossless clip (FFV1 with alpha, in Matroska, by the ffmpeg
-    // program) with a stereo AAC track as long as the video, if `clip.audio`.
+    // Writes a lossless clip (FFV1 with alpha, in Matroska) with a stereo AAC track as long, if `clip.audio`.
     static void writeClip(const std::string& path, const Clip& clip, const ClipFunction& sample);
 
-    // Runs a command line with /bin/sh in `folder`, as a user would type it
-    // (the `ffmpeg` and `parallel` programs), and returns its standard
-    // output; fails the test, naming the command, unless it exits 0.
+    // Runs a command line with /bin/sh in `folder` and returns its standard output; fails the test, naming
+    // the command, unless it exits 0.
     static std::string runCommand(const std::string& folder, const std::string& command);
 };
 

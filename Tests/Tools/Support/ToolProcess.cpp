@@ -25,8 +25,7 @@ void Check(bool ok, const char* what)
     }
 }
 
-// From the start of a file; a terminal is read until its end, which reads as
-// an error once the program has exited.
+// From the start of a file; a terminal reads until an error once the program has exited.
 std::string ReadAll(int fd)
 {
     std::string text;
@@ -119,8 +118,7 @@ ToolResult ToolProcess::wait()
 {
     ToolResult result;
     if (mTerminal >= 0) {
-        // Read before waiting, or a full terminal buffer would stall it.
-        result.err = ReadAll(mTerminal);
+        result.err = ReadAll(mTerminal);  // before waiting, or a full terminal would stall the program
     }
     int status = mStatus.value_or(0);
     while (mPid > 0 && ::waitpid(mPid, &status, 0) < 0 && errno == EINTR) {

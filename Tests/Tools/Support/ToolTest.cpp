@@ -21,11 +21,6 @@ void ToolTest::TearDown()
     std::filesystem::remove_all(mFolder, error);
 }
 
-std::string ToolTest::path(const std::string& name) const
-{
-    return mFolder + "/" + name;
-}
-
 std::set<std::string> ToolTest::files() const
 {
     std::set<std::string> names;
@@ -33,16 +28,6 @@ std::set<std::string> ToolTest::files() const
         names.insert(entry.path().filename().string());
     }
     return names;
-}
-
-std::vector<std::string> ToolTest::lines(const std::string& name) const
-{
-    std::vector<std::string> found;
-    std::ifstream file(path(name));
-    for (std::string line; std::getline(file, line);) {
-        found.push_back(line);
-    }
-    return found;
 }
 
 std::string ToolTest::contents(const std::string& name) const
@@ -58,30 +43,26 @@ std::string ToolTest::numbered(const std::string& pattern, int number)
     return name;
 }
 
-void ToolTest::writeSequence(const std::string& pattern, int first, int last, int width,
-                             int height, int channels,
-                             const std::function<double(int, int, int, int)>& sample) const
+void ToolTest::writeSequence(const std::string& pattern, int first, int last, int width, int height,
+                             int channels, const std::function<double(int, int, int, int)>& sample) const
 {
     for (int number = first; number <= last; ++number) {
-        TestMedia::writePicture(path(numbered(pattern, number)), width, height, channels,
-                                OIIO::TypeDesc::UINT8,
+        TestMedia::writePicture(path(numbered(pattern, number)), width, height, channels, OIIO::TypeDesc::UINT8,
                                 [&](int x, int y, int c) { return sample(number, x, y, c); });
     }
 }
 
 ToolResult ToolTest::run(const std::vector<std::string>& arguments,
-                         const std::map<std::string, std::string>& environment,
-                         bool errorIsTerminal)
+                         const std::map<std::string, std::string>& environment)
 {
-    return ToolProcess(QUORVEX_TOOL_PATH, arguments, environment, errorIsTerminal).wait();
+    return ToolProcess(QUORVEX_TOOL_PATH, arguments, environment, false).wait();
 }
 
 ToolResult ToolTest::runFake(std::vector<std::string> arguments,
-                             const std::map<std::string, std::string>& environment,
-                             bool errorIsTerminal)
+                             const std::map<std::string, std::string>& environment)
 {
     arguments.insert(arguments.end(), {"--plugin", QUORVEX_FAKE_EFFECT_PATH});
-    return run(arguments, environment, errorIsTerminal);
+    return run(arguments, environment);
 }
 
 ::testing::AssertionResult Succeeded(const ToolResult& result)

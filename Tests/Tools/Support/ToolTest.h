@@ -13,39 +13,30 @@
 
 namespace Halvane::Quorvex::Testing {
 
-// A test that runs the built quorvex program in a folder of its own, which
-// is removed afterwards.
+// A test that runs the built quorvex program in a folder of its own, removed afterwards.
 class ToolTest : public ::testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
 
-    // A path inside the test's folder.
-    std::string path(const std::string& name) const;
-    // The names of the files in the test's folder (hidden ones included).
+    // In the test's folder: a path, the names of the files (hidden ones included), a file's bytes, a picture.
+    std::string path(const std::string& name) const { return mFolder + "/" + name; }
     std::set<std::string> files() const;
-    // The lines of a text file in the test's folder.
-    std::vector<std::string> lines(const std::string& name) const;
-    // The bytes of a file in the test's folder.
     std::string contents(const std::string& name) const;
-    // A picture file in the test's folder.
     PictureFile picture(const std::string& name) const { return TestMedia::readPicture(path(name)); }
 
     // The name `pattern` (printf's) gives `number`.
     static std::string numbered(const std::string& pattern, int number);
-    // Writes 8-bit pictures `first` to `last` of a sequence named by `pattern`;
-    // `sample` is given the picture's number first.
+    // Writes 8-bit pictures `first` to `last` of a sequence; `sample` is given the picture's number first.
     void writeSequence(const std::string& pattern, int first, int last, int width, int height,
                        int channels, const std::function<double(int, int, int, int)>& sample) const;
 
     // Runs `quorvex ARGUMENTS` as given.
     static ToolResult run(const std::vector<std::string>& arguments,
-                          const std::map<std::string, std::string>& environment = {},
-                          bool errorIsTerminal = false);
+                          const std::map<std::string, std::string>& environment = {});
     // Runs `quorvex ARGUMENTS --plugin <fake effect>`.
     static ToolResult runFake(std::vector<std::string> arguments,
-                              const std::map<std::string, std::string>& environment = {},
-                              bool errorIsTerminal = false);
+                              const std::map<std::string, std::string>& environment = {});
 
     std::string mFolder;
 };
