@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Runtime/CaptureFile.h"
 #include "Runtime/DescriptorRedirect.h"
 
 #include <optional>
@@ -13,12 +14,6 @@ namespace Halvane::Quorvex::Frei0r {
 // rendered is written out as it came. One capture file serves every frame.
 class StandardErrorCapture {
 public:
-    StandardErrorCapture();
-    ~StandardErrorCapture();
-
-    StandardErrorCapture(const StandardErrorCapture&) = delete;
-    StandardErrorCapture& operator=(const StandardErrorCapture&) = delete;
-
     // Points standard error at the capture file; does nothing where that
     // cannot be done, and the text then goes out as usual.
     void begin();
@@ -26,7 +21,7 @@ public:
     std::string end();
 
 private:
-    int mCapture = -1;
+    Host::CaptureFile mCapture{"quorvex-frei0r-stderr"};
     std::optional<Host::DescriptorRedirect> mRedirect;
 };
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "Runtime/CaptureFile.h"
 #include "Runtime/DescriptorRedirect.h"
 
+#include <optional>
 #include <string>
 #include <unistd.h>
 #include <utility>
@@ -18,7 +20,6 @@ class ModuleOutput {
 public:
     // Throws ToolError (runtime) when no file can be made to keep the output.
     explicit ModuleOutput(bool toStandardError);
-    ~ModuleOutput();
 
     ModuleOutput(const ModuleOutput&) = delete;
     ModuleOutput& operator=(const ModuleOutput&) = delete;
@@ -31,12 +32,12 @@ public:
         return std::forward<Call>(call)();
     }
 
-    bool toStandardError() const { return mKeptFile < 0; }
+    bool toStandardError() const { return !mKept; }
     // What was kept so far: its last 64 KiB. Empty when passed on.
     std::string kept() const;
 
 private:
-    int mKeptFile = -1;
+    std::optional<Host::CaptureFile> mKept;
     int mTarget = -1;
 };
 

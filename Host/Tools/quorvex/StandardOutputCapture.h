@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Runtime/CaptureFile.h"
 #include "Runtime/DescriptorRedirect.h"
 
 #include <optional>
@@ -10,13 +11,11 @@ namespace Halvane::Quorvex::Tools {
 // Catches what the process writes to standard output (or standard error),
 // at the file descriptor, so that output of loaded modules and libraries (C
 // stdio or C++ streams) is caught too. While it lives, the descriptor points
-// at a temporary file.
+// at a file in memory.
 class StandardOutputCapture {
 public:
     // Throws ToolError (runtime) when the descriptors cannot be set up.
     explicit StandardOutputCapture(int descriptor = 1);
-    // Restores standard output if finish() was not called.
-    ~StandardOutputCapture();
 
     StandardOutputCapture(const StandardOutputCapture&) = delete;
     StandardOutputCapture& operator=(const StandardOutputCapture&) = delete;
@@ -25,7 +24,7 @@ public:
     std::string finish();
 
 private:
-    int mCapture = -1;
+    Host::CaptureFile mCapture{"quorvex-captured-output"};
     std::optional<Host::DescriptorRedirect> mRedirect;
 };
 

@@ -246,8 +246,8 @@ void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height,
 
     glReadBuffer(GL_COLOR_ATTACHMENT0);
     if (depth.format == PF_PixelFormat_ARGB128) {
-        // Float rows go through the host's iterate, from the packed buffer that
-        // the upload filled and that stays between frames.
+        // Float rows go through the host's iterate, read back into the packed
+        // buffer that the upload used and that stays between frames.
         const PackedFloatFrame::Lease staging = PackedFloatFrame::lease(static_cast<std::size_t>(width) * height);
         glReadPixels(0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGBA, depth.glType,
                      staging.pixels());
