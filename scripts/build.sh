@@ -6,5 +6,12 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 build_dir=${1:-"$root/build"}
 build_type=${2:-RelWithDebInfo}
 
-cmake -S "$root" -B "$build_dir" -DCMAKE_BUILD_TYPE="$build_type" "${@:3}" >/dev/null
+# A compiler cache, where one is installed, makes rebuilds of other checkouts
+# and of the sanitizer build cheap; the build does not need it.
+launcher=()
+if command -v ccache >/dev/null; then
+  launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+fi
+
+cmake -S "$root" -B "$build_dir" -DCMAKE_BUILD_TYPE="$build_type" "${launcher[@]}" "${@:3}" >/dev/null
 cmake --build "$build_dir" -j"$(nproc)"

@@ -34,5 +34,7 @@ fi
 
 echo "install-deps: installing ${missing[*]}" >&2
 export DEBIAN_FRONTEND=noninteractive
-apt-get update -q
-apt-get install -y -q --no-install-recommends "${missing[@]}"
+# Another installer may hold the package lock for a while: wait for it.
+apt_options=(-o DPkg::Lock::Timeout=900)
+apt-get "${apt_options[@]}" update -q
+apt-get "${apt_options[@]}" install -y -q --no-install-recommends "${missing[@]}"
