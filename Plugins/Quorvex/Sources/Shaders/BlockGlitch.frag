@@ -28,23 +28,26 @@ vec4 swapChannel(vec4 eColor) {
 }
 
 void main() {
-    colourOut = swapChannel(texture(videoTexture, uv));
-
+    // A pixel inside a band shows the picture shifted by the band's offset,
+    // the last band it is in winning; so one read at the chosen place.
+    vec2 source = uv;
     for (int i = 0; i < BANDS; ++i) {
         vec2 uvOff = uv;
         uvOff.x += bandShift[i];
         // A band whose top wraps past 1.0 shifts nothing on that tick.
         if (insideRange(uv.y, bandEdges[i].x, bandEdges[i].y) == 1.0) {
-            colourOut = swapChannel(texture(videoTexture, uvOff));
+            source = uvOff;
         }
     }
+    colourOut = swapChannel(texture(videoTexture, source));
 
+    vec4 shifted = swapChannel(texture(videoTexture, uv + channelOffset));
     if (offsetChannel == 0) {
-        colourOut.r = swapChannel(texture(videoTexture, uv + channelOffset)).r;
+        colourOut.r = shifted.r;
     } else if (offsetChannel == 1) {
-        colourOut.g = swapChannel(texture(videoTexture, uv + channelOffset)).g;
+        colourOut.g = shifted.g;
     } else {
-        colourOut.b = swapChannel(texture(videoTexture, uv + channelOffset)).b;
+        colourOut.b = shifted.b;
     }
 
     colourOut = colourOut * multiplier16bit;
