@@ -15,6 +15,7 @@ packages=(
   gstreamer1.0-libav frei0r-plugins-dev frei0r-plugins
   parallel fonts-dejavu-core
   clang libclang-rt-14-dev
+  kdenlive shotcut xvfb xdotool qtdeclarative5-dev-tools
 )
 
 missing=()
