@@ -29,6 +29,10 @@ for needed in libc6 libstdc++6 libglbinding2 libegl1 libopenimageio2.4 libavform
     fail "Depends lacks $needed: $depends"
 done
 
+# No maintainer scripts: nothing is left of the package after `apt remove`.
+scripts=$(dpkg-deb --ctrl-tarfile "$deb" | tar -t | grep -E 'inst$|rm$' || true)
+[[ -z "$scripts" ]] || fail "has maintainer scripts: $scripts"
+
 expected="./usr/bin/quorvex
 ./usr/lib/frei0r-1/quorvex.so
 ./usr/lib/quorvex/Quorvex.so

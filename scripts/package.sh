@@ -24,4 +24,16 @@ if ((${#packages[@]} != 1)) || [[ ! -f "${packages[0]}" ]]; then
   echo "package: cpack made no single quorvex_*.deb in $build_dir" >&2
   exit 1
 fi
-echo "${packages[0]}"
+deb=${packages[0]}
+
+# CPack gives every package with a .so under /usr/lib an ldconfig call
+# after install and removal. Ours are plug-ins that hosts load by path and
+# nothing links to, and a removal script would keep the package's record
+# (dpkg's "rc") after `apt remove`: the package goes without them.
+work=$(mktemp -d /tmp/quorvex-package-XXXXXX)
+trap 'rm -rf "$work"' EXIT
+dpkg-deb -R "$deb" "$work/tree"
+rm -f "$work/tree/DEBIAN/postinst" "$work/tree/DEBIAN/postrm"
+dpkg-deb --root-owner-group -b "$work/tree" "$work/quorvex.deb" >&2
+mv -f "$work/quorvex.deb" "$deb"
+echo "$deb"
