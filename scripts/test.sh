@@ -12,7 +12,8 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/build.sh" "$root/build" RelWithDebInfo -DQUORVEX_BUILD_TESTS=ON
 ctest --test-dir "$root/build" --output-on-failure -j"$(nproc)"
 
-"$root/scripts/check-package.sh" "$("$root/scripts/package.sh" "$root/build")"
+package=$("$root/scripts/package.sh" "$root/build")
+"$root/scripts/check-package.sh" "$package"
 
 if [[ "${QUORVEX_SANITIZE:-1}" != 0 ]]; then
   "$root/scripts/sanitize.sh"
