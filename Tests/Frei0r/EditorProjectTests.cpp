@@ -2,7 +2,7 @@
 // editors export, shows on its clip the frames of `quorvex render` at the
 // matching source frames, time and parameters. The projects hold a clip
 // trimmed to start at frame 5, placed 10 frames into the timeline, with the
-// Glitch Type as the drop-down's value and Speed keyframed from 1 to 2.
+// Glitch Type as the drop-down's value, Speed keyframed from 1 to 2 and a Seed.
 #include "Frei0r/Frei0rHostTest.h"
 #include "Tools/Support/MediaProbe.h"
 #include "Tools/Support/TestMedia.h"
@@ -31,13 +31,14 @@ struct EditorProject {
 
 // Kdenlive: the effect sees the clip's source time, keyframes at source times.
 const EditorProject kKdenlive{"Kdenlive", "kdenlive.kdenlive", 255,
-                              {"--frames", "5:34", "--glitch", "badtv", "--speed", "0.2:0.999999,0.6:2.000001"}};
+                              {"--frames", "5:34", "--glitch", "badtv", "--speed", "0.2:0.999999,0.6:2.000001",
+                               "--seed", "7"}};
 // Shotcut: the filter's in is the clip's, so time and keyframes start at 0 on
 // the clip's first frame shown, which is source frame 5 (0.2 s). Its
 // background is clear black.
 const EditorProject kShotcut{"Shotcut", "shotcut.mlt", 0,
                              {"--frames", "5:34", "--time-offset", "-0.2", "--glitch", "block", "--speed",
-                              "0:0.999999,0.4:2.000001"}};
+                              "0:0.999999,0.4:2.000001", "--seed", "12"}};
 
 std::uint8_t ClipSample(int frame, int x, int y, int c)
 {
