@@ -33,13 +33,7 @@ mkdir -p "$output"
 work=$(mktemp -d /tmp/quorvex-screenshots-XXXXXX)
 pids=()
 cleanup() {
-  for pid in "${pids[@]}"; do
-    kill "$pid" 2> /dev/null || true
-  done
-  sleep 1
-  for pid in "${pids[@]}"; do
-    kill -9 "$pid" 2> /dev/null || true
-  done
+  stop_all
   rm -rf "$work"
 }
 trap cleanup EXIT
@@ -82,11 +76,13 @@ screenshot() {
   echo "editor-screenshots: wrote $1" >&2
 }
 
+# Ends what was started, last first: the editor before its D-Bus session
+# (which then ends its own bus) and before the display.
 stop_all() {
-  for pid in "${pids[@]}"; do
-    kill "$pid" 2> /dev/null || true
+  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
+    kill "${pids[i]}" 2> /dev/null || true
+    sleep 1
   done
-  sleep 2
   pids=()
 }
 
@@ -103,7 +99,7 @@ mkdir -p "$prefix/bin" "$prefix/share/shotcut/qml/filters" "$work/home-shotcut"
 ln "$shotcut" "$prefix/bin/shotcut" 2> /dev/null || cp "$shotcut" "$prefix/bin/shotcut"
 for entry in "$share"/*; do [[ $(basename "$entry") == qml ]] || ln -s "$entry" "$prefix/share/shotcut/"; done
 for entry in "$share"/qml/*; do [[ $(basename "$entry") == filters ]] || ln -s "$entry" "$prefix/share/shotcut/qml/"; done
-ln -s "$share"/qml/filters/* "$prefix/share/shotcut/qml/filters/"
+for entry in "$share"/qml/filters/*; do [[ $(basename "$entry") == quorvex ]] || ln -s "$entry" "$prefix/share/shotcut/qml/filters/"; done
 ln -s "$editors/shotcut/quorvex" "$prefix/share/shotcut/qml/filters/quorvex"
 cp "$projects/shotcut.mlt" "$work/shotcut.mlt"
 
@@ -112,10 +108,10 @@ start_display 1280x800
 pids+=($!)
 disown
 wait_for_window "Shotcut" > /dev/null
-sleep 8
+sleep 12
 click 175 525      # the clip on V1
-click 103 397      # the Filters tab
-click 77 165 2     # Quorvex in the clip's filters
+click 103 397 2    # the Filters tab
+click 77 165 4     # Quorvex in the clip's filters
 click 178 488 3    # the playhead into the clip
 xdotool mousemove 1100 750
 screenshot "$output/shotcut.png" 1270x690
@@ -133,6 +129,7 @@ start_display 1400x900
 pids+=($!)
 disown
 window=$(wait_for_window "Kdenlive")
+pids+=($(ps -o pid= --ppid "${pids[-1]}"))  # kdenlive, in the D-Bus session
 sleep 10
 xdotool windowsize "$window" 1400 900
 sleep 3
