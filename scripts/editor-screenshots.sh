@@ -100,7 +100,7 @@ ln "$shotcut" "$prefix/bin/shotcut" 2> /dev/null || cp "$shotcut" "$prefix/bin/s
 for entry in "$share"/*; do [[ $(basename "$entry") == qml ]] || ln -s "$entry" "$prefix/share/shotcut/"; done
 for entry in "$share"/qml/*; do [[ $(basename "$entry") == filters ]] || ln -s "$entry" "$prefix/share/shotcut/qml/"; done
 for entry in "$share"/qml/filters/*; do [[ $(basename "$entry") == quorvex ]] || ln -s "$entry" "$prefix/share/shotcut/qml/filters/"; done
-ln -s "$editors/shotcut/quorvex" "$prefix/share/shotcut/qml/filters/quorvex"
+ln -sT "$editors/shotcut/quorvex" "$prefix/share/shotcut/qml/filters/quorvex"
 cp "$projects/shotcut.mlt" "$work/shotcut.mlt"
 
 start_display 1280x800
