@@ -19,7 +19,8 @@ Shotcut.KeyframableFilter {
         var position = getPosition();
         blockUpdate = true;
         glitchTypeCombo.currentIndex = filter.getDouble(glitchType) < 0.5 ? 0 : 1;
-        speedSlider.value = filter.getDouble(speed, position) * speedFactor;
+        // Projects keep 6 digits (Speed 1 is 0.333333): shown to the slider's 2.
+        speedSlider.value = Math.round(filter.getDouble(speed, position) * speedFactor * 100) / 100;
         speedKeyframesButton.checked = filter.animateIn <= 0 && filter.animateOut <= 0 && filter.keyframeCount(speed) > 0;
         seedSlider.value = Math.round(filter.getDouble(seed) * seedFactor);
         blockUpdate = false;
