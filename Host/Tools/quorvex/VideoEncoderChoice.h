@@ -16,9 +16,11 @@ namespace Halvane::Quorvex::Tools {
 // How a video output is encoded. The extension picks the container and, by
 // default, the codec: .mp4 H.264 (libx264, 4:2:0, or 4:4:4 where the size
 // is odd), .mov ProRes 4444 with alpha (10 bits), .mkv FFV1 (lossless,
-// alpha kept); other containers take FFmpeg's default codec. --codec names
-// another encoder. Frames deeper than 8 bits get the encoder's deepest
-// matching format: 10-bit libx264 and libx265, 16-bit FFV1.
+// alpha kept), .y4m plain 8-bit 4:2:0; other containers take FFmpeg's
+// default codec. --codec names another encoder. Lossy codecs get 4:2:0,
+// which players show (VP9 with alpha where the frames have it). Frames
+// deeper than 8 bits get the encoder's deepest matching format: 10-bit
+// libx264, libx265, VP9 and AV1, 16-bit FFV1.
 class VideoEncoderChoice {
 public:
     // Whether the path names a video file to write: FFmpeg has a container
