@@ -150,7 +150,8 @@ void VideoEncoderChoice::fitTo(int width, int height, PixelDepth depth, bool has
     const std::string encoder = mCodec->name;
     const bool deep = depth != PixelDepth::Eight;
     const bool odd = width % 2 != 0 || height % 2 != 0;
-    if (std::string(mContainer->name) == "yuv4mpegpipe") {
+    const bool pipe = std::string(mContainer->name) == "yuv4mpegpipe";
+    if (pipe) {
         // The plainest form, which every reader of the pipe format takes.
         mPixelFormat = AV_PIX_FMT_YUV420P;
         if (deep) {
@@ -196,9 +197,34 @@ void VideoEncoderChoice::fitTo(int width, int height, PixelDepth depth, bool has
     }
     const AVPixFmtDescriptor* chosen = av_pix_fmt_desc_get(mPixelFormat);
     if (hasAlpha && chosen && !(chosen->flags & AV_PIX_FMT_FLAG_ALPHA)) {
-        mNote = (mNote.empty() ? "" : mNote + "; ") + std::string(mCodec->name) +
-                " video keeps no alpha: .mov (ProRes 4444), .mkv (FFV1) and .webm (VP9) do";
+        mNote = (mNote.empty() ? "" : mNote + "; ") +
+                (pipe ? std::string(".y4m") : std::string(mCodec->name) + " video") +
+                " keeps no alpha: .mov (ProRes 4444), .mkv (FFV1) and .webm (VP9) do";
     }
+}
+
+VideoEncoderChoice::Clock VideoEncoderChoice::clockFor(const FrameRate& rate,
+                                                      AVRational timeBase) const
+{
+    Clock clock{AVRational{static_cast<int>(rate.numerator()), static_cast<int>(rate.denominator())},
+                timeBase};
+    if (const AVRational* rates = mCodec->supported_framerates) {
+        // Past its first eight, MPEG-1's list holds rates that only
+        // unofficial streams have (12, 15 fps), which its encoder refuses.
+        std::vector<AVRational> offered;
+        for (const AVRational* offer = rates; offer->num != 0; ++offer) {
+            offered.push_back(*offer);
+        }
+        if (mCodec->id == AV_CODEC_ID_MPEG1VIDEO && offered.size() > 8) {
+            offered.resize(8);
+        }
+        offered.push_back(AVRational{0, 0});
+        clock.rate = offered[static_cast<std::size_t>(av_find_nearest_q_idx(clock.rate, offered.data()))];
+        clock.timeBase = av_inv_q(clock.rate);
+    } else if (std::string(mContainer->name) == "yuv4mpegpipe" || mCodec->id == AV_CODEC_ID_THEORA) {
+        clock.timeBase = av_inv_q(clock.rate);
+    }
+    return clock;
 }
 
 bool VideoEncoderChoice::isYuv() const

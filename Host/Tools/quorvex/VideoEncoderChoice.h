@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FrameRate.h"
 #include "PixelDepth.h"
 
 extern "C" {
@@ -35,6 +36,17 @@ public:
     // Settles the pixel format and the encoder's options for pictures of
     // this size, depth and alpha.
     void fitTo(int width, int height, PixelDepth depth, bool hasAlpha);
+
+    // The rate the encoder states and the clock its frames' timestamps
+    // count in, for frames at `rate` timed in `timeBase`: those two where it
+    // takes them. Encoders with a fixed set of rates (MPEG-1, MPEG-2) get the
+    // nearest they take, as ffmpeg gives them, and they, Theora and .y4m
+    // count one tick a frame, for their headers state the tick as the rate.
+    struct Clock {
+        AVRational rate;
+        AVRational timeBase;
+    };
+    Clock clockFor(const FrameRate& rate, AVRational timeBase) const;
 
     const AVOutputFormat* container() const { return mContainer; }
     const AVCodec* codec() const { return mCodec; }

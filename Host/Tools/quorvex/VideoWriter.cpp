@@ -141,29 +141,9 @@ void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copy
     }
     mEncoder->width = mSettings.width;
     mEncoder->height = mSettings.height;
-    AVRational rate{static_cast<int>(mSettings.rate.numerator()),
-                    static_cast<int>(mSettings.rate.denominator())};
-    mEncoder->time_base = mSettings.timeBase;
-    if (const AVRational* rates = choice.codec()->supported_framerates) {
-        // MPEG-1 and MPEG-2 know a fixed set of rates and take the clock's
-        // tick for one frame: the nearest rate, as ffmpeg gives them. Past
-        // its first eight, MPEG-1's list holds rates only unofficial
-        // streams have (12, 15 fps), which its encoder refuses.
-        std::vector<AVRational> offered;
-        for (const AVRational* offer = rates; offer->num != 0; ++offer) {
-            offered.push_back(*offer);
-        }
-        if (choice.codec()->id == AV_CODEC_ID_MPEG1VIDEO && offered.size() > 8) {
-            offered.resize(8);
-        }
-        offered.push_back(AVRational{0, 0});
-        rate = offered[static_cast<std::size_t>(av_find_nearest_q_idx(rate, offered.data()))];
-        mEncoder->time_base = av_inv_q(rate);
-    } else if (std::string(mFormat->oformat->name) == "yuv4mpegpipe" ||
-               choice.codec()->id == AV_CODEC_ID_THEORA) {
-        // Their headers state the clock's tick as the frame rate.
-        mEncoder->time_base = av_inv_q(rate);
-    }
+    const VideoEncoderChoice::Clock clock = choice.clockFor(mSettings.rate, mSettings.timeBase);
+    const AVRational rate = clock.rate;
+    mEncoder->time_base = clock.timeBase;
     mEncoder->framerate = rate;
     mNominalDuration =
         std::max<std::int64_t>(1, av_rescale_q(1, av_inv_q(rate), mEncoder->time_base));
@@ -240,9 +220,9 @@ void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copy
     mCopiedTimes.resize(mFormat->nb_streams);
     for (unsigned i = 0; i < mFormat->nb_streams; ++i) {
         if (static_cast<int>(i) != mStream->index) {
-            const AVRational clock = mFormat->streams[i]->time_base;
-            mCopiedTimes[i].emplace(TimestampFixer::Clocks{clock, strict, clock, strict},
-                                    av_rescale_q(1, av_inv_q(mEncoder->framerate), clock));
+            const AVRational unit = mFormat->streams[i]->time_base;
+            mCopiedTimes[i].emplace(TimestampFixer::Clocks{unit, strict, unit, strict},
+                                    av_rescale_q(1, av_inv_q(mEncoder->framerate), unit));
         }
     }
 
