@@ -166,7 +166,7 @@ TEST_F(FailureTest, OutputsThatCannotBeWritten)
     // Encoders and containers that refuse: the output, the setting and the library's reason.
     expectFailure({"render", path("in.png"), path("out.mov"), "--codec", "dnxhd"}, 1,
                   {"out.mov", "dnxhd", "DNxHD"});
-    expectFailure({"render", path("in.png"), path("out.y4m")}, 1, {"out.y4m", "yuv4mpeg"});
+    expectFailure({"render", path("in.png"), path("out.gxf")}, 1, {"out.gxf", "gxf muxer only accepts"});
     expectFailure({"render", path("in.png"), path("out.mp3")}, 2, {"'.mp3'"});
     if (::geteuid() != 0) {
         ::mkdir(path("locked").c_str(), 0555);

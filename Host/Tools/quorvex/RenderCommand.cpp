@@ -172,6 +172,9 @@ int RenderCommand::run()
                               info.frameCount, std::cerr);
     RenderPipeline pipeline(*source, *sink, effect, depth, timeline, progress, interrupts);
     pipeline.run();
+    if (const std::string summary = sink->summary(); !summary.empty() && !mOptions.quiet) {
+        std::cerr << "quorvex: note: " << summary << "\n";
+    }
     effect.setDown();
     return 0;
 }
