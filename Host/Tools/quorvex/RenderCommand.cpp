@@ -36,18 +36,38 @@ std::optional<double> SecondsOption(const std::string& option, const std::string
     return seconds;
 }
 
-// A clip whose last frame lies beyond the host's 32-bit time is refused
-// before the first frame, not when the render reaches it.
-void CheckLastFrameTime(const FrameTimeline& timeline, std::size_t frameCount,
-                        std::int64_t nominalStep, const std::string& timeOffset)
+bool Reaches(const FrameTimeline& timeline, std::size_t frameCount, std::int64_t nominalStep)
 {
     try {
         timeline.timeOf(static_cast<std::int64_t>(frameCount - 1) * nominalStep);
+        return true;
     } catch (const ToolError&) {
-        throw ToolError::usage("--time-offset: " + (timeOffset.empty() ? "0" : timeOffset) +
-                               " s puts frame " + std::to_string(frameCount) +
-                               " of the input beyond the time a host can state");
+        return false;
     }
+}
+
+// A clip whose last frame lies beyond the host's 32-bit time is refused
+// before the first frame, not when the render reaches it, naming the option
+// that put it there: the frames alone, or the offset added to them.
+void CheckLastFrameTime(const FrameTimeline& timeline, const SourceInfo& info,
+                        std::int64_t nominalStep, const RenderCommand::Options& options)
+{
+    const std::size_t frameCount = *info.frameCount;
+    if (Reaches(timeline, frameCount, nominalStep)) {
+        return;
+    }
+    const std::string beyond = " beyond the time a host can state";
+    if (options.timeOffset.empty() ||
+        !Reaches(FrameTimeline::forClip(info.timeBase, nominalStep, 0.0), frameCount,
+                 nominalStep)) {
+        if (!options.frames.empty()) {
+            throw ToolError::usage("--frames: " + options.frames + " reaches frames" + beyond);
+        }
+        throw ToolError::runtime("'" + options.input + "' has " + std::to_string(frameCount) +
+                                 " frames, more than reach within the time a host can state");
+    }
+    throw ToolError::usage("--time-offset: " + options.timeOffset + " s puts frame " +
+                           std::to_string(frameCount) + " of the input" + beyond);
 }
 
 }  // namespace
@@ -105,7 +125,8 @@ int RenderCommand::run()
                                "' is a single picture, not an image sequence or a video");
     }
     if (video && sourceOptions.rate) {
-        throw ToolError::usage("--fps: '" + mOptions.input + "' is a video and keeps its own rate");
+        throw ToolError::usage("--fps does not apply to video input: '" + mOptions.input +
+                               "' keeps its own rate (" + info.rate.text() + " fps)");
     }
     if (!info.isStill && !sequenceInput) {
         outputKind = SinkFactory::classify(mOptions.output, true);
@@ -129,7 +150,7 @@ int RenderCommand::run()
         info.isStill ? FrameTimeline::forStill(time.value_or(1.0))
                      : FrameTimeline::forClip(info.timeBase, nominalStep, timeOffset.value_or(0.0));
     if (!info.isStill && info.frameCount && *info.frameCount > 0) {
-        CheckLastFrameTime(timeline, *info.frameCount, nominalStep, mOptions.timeOffset);
+        CheckLastFrameTime(timeline, info, nominalStep, mOptions);
     }
     const PixelDepth depth = chosenDepth.value_or(info.depth);
 
