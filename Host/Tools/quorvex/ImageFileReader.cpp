@@ -3,6 +3,8 @@
 #include "LibraryChatter.h"
 #include "ToolError.h"
 
+#include <OpenImageIO/strutil.h>
+
 #include <limits>
 #include <optional>
 #include <vector>
@@ -37,6 +39,12 @@ void CopyChannel(const std::vector<unsigned char>& file, int fileChannels, int f
         frame[p * RgbaFrame::kChannels + static_cast<std::size_t>(to)] =
             source[p * static_cast<std::size_t>(fileChannels) + static_cast<std::size_t>(from)];
     }
+}
+
+// OpenImageIO's reader of movies through FFmpeg ("FFmpeg movie").
+bool IsFFmpegReader(const OIIO::ImageInput& input)
+{
+    return OIIO::Strutil::istarts_with(input.format_name(), "ffmpeg");
 }
 
 template <typename T>
@@ -89,7 +97,8 @@ bool ImageFileReader::isPictureFile(const std::string& path)
 {
     const auto input = OIIO::ImageInput::create(path);
     OIIO::geterror();  // a failed look-up leaves a message nobody needs
-    return input && input->valid_file(path);
+    // Movies are the video reader's, whose reasons speak of streams.
+    return input && !IsFFmpegReader(*input) && input->valid_file(path);
 }
 
 OIIO::TypeDesc ImageFileReader::sampleTypeOf(PixelDepth depth)
@@ -106,8 +115,7 @@ OIIO::TypeDesc ImageFileReader::sampleTypeOf(PixelDepth depth)
 
 bool ImageFileReader::isMovie() const
 {
-    return std::string(mInput->format_name()) == "ffmpeg" ||
-           mInput->spec().get_int_attribute("oiio:Movie", 0) != 0;
+    return IsFFmpegReader(*mInput) || mInput->spec().get_int_attribute("oiio:Movie", 0) != 0;
 }
 
 int ImageFileReader::width() const
