@@ -47,6 +47,7 @@ ImageSequenceSource::ImageSequenceSource(const ImageSequencePattern& pattern,
     mInfo.hasAlpha = first.hasAlpha();
     mInfo.halfFloat = first.isHalfFloat();
     mInfo.window = first.window();
+    mInfo.notes = first.notes();
     mInfo.rate = rate;
     mInfo.timeBase = rate.frameDuration();
     mInfo.frameCount = mRange.count();

@@ -119,6 +119,11 @@ int RenderCommand::run()
 
     const std::unique_ptr<FrameSource> source = SourceFactory::open(mOptions.input, sourceOptions);
     const SourceInfo& info = source->info();
+    if (!mOptions.quiet) {
+        for (const std::string& note : info.notes) {
+            std::cerr << "quorvex: note: " << note << "\n";
+        }
+    }
     const VideoReader* video = SourceFactory::videoReaderOf(*source);
     if (sourceOptions.frames && info.isStill) {
         throw ToolError::usage("--frames: '" + mOptions.input +

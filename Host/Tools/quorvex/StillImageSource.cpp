@@ -15,6 +15,7 @@ StillImageSource::StillImageSource(const std::string& path, std::unique_ptr<Imag
     mInfo.hasAlpha = mReader->hasAlpha();
     mInfo.halfFloat = mReader->isHalfFloat();
     mInfo.window = mReader->window();
+    mInfo.notes = mReader->notes();
     mInfo.isStill = true;
     mInfo.frameCount = 1;
 }
