@@ -120,6 +120,17 @@ void ImageFileReader::countPages()
     }
 }
 
+void ImageFileReader::describe(SourceInfo& info) const
+{
+    info.width = width();
+    info.height = height();
+    info.depth = depth();
+    info.hasAlpha = hasAlpha();
+    info.halfFloat = isHalfFloat();
+    info.window = window();
+    info.notes = notes();
+}
+
 std::vector<std::string> ImageFileReader::notes() const
 {
     std::vector<std::string> notes;
@@ -214,7 +225,7 @@ RgbaFrame ImageFileReader::read(int page)
     if (std::string(mInput->format_name()) == "png") {
         chatter.emplace();
     }
-    const bool read = mInput->read_image(0, 0, 0, channels, type, samples.data());
+    const bool read = mInput->read_image(page, 0, 0, channels, type, samples.data());
     const std::string libraries = chatter ? chatter->finish() : std::string();
     if (!read) {
         throw ToolError::runtime("cannot read '" + mPath +

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ColourChannels.h"
+#include "FrameSource.h"
 #include "PictureWindow.h"
 #include "RgbaFrame.h"
 
@@ -54,6 +55,10 @@ public:
     // pictures of the file that are not read (the parts of a multi-part
     // OpenEXR, TIFF pages of another size). Each without "note:".
     std::vector<std::string> notes() const;
+
+    // The picture's part of a source's description: its size, depth,
+    // alpha, window and notes.
+    void describe(SourceInfo& info) const;
 
     // The pixels of page `page` (from 0), at the first page's depth.
     // Throws ToolError (runtime) naming the path.

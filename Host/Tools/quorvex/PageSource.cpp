@@ -16,13 +16,7 @@ PageSource::PageSource(std::unique_ptr<ImageFileReader> reader,
                                  std::to_string(mRange.last()) + " reaches past its end");
     }
     mInfo.name = mReader->path();
-    mInfo.width = mReader->width();
-    mInfo.height = mReader->height();
-    mInfo.depth = mReader->depth();
-    mInfo.hasAlpha = mReader->hasAlpha();
-    mInfo.halfFloat = mReader->isHalfFloat();
-    mInfo.window = mReader->window();
-    mInfo.notes = mReader->notes();
+    mReader->describe(mInfo);
     mInfo.rate = rate;
     mInfo.timeBase = rate.frameDuration();
     mInfo.frameCount = mRange.count();
