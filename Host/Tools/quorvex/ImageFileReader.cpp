@@ -208,7 +208,11 @@ PictureWindow ImageFileReader::window() const
 
 RgbaFrame ImageFileReader::read(int page)
 {
-    if (page >= mPageCount || !mInput->seek_subimage(page, 0)) {
+    if (page >= mPageCount) {
+        throw ToolError::runtime("cannot read page " + std::to_string(page + 1) + " of '" + mPath +
+                                 "': it has " + std::to_string(mPageCount));
+    }
+    if (!mInput->seek_subimage(page, 0)) {
         throw ToolError::runtime("cannot read page " + std::to_string(page + 1) + " of '" + mPath +
                                  "': " + mInput->geterror());
     }

@@ -61,7 +61,7 @@ void CheckLastFrameTime(const FrameTimeline& timeline, const SourceInfo& info,
         !Reaches(FrameTimeline::forClip(info.timeBase, nominalStep, 0.0), frameCount,
                  nominalStep)) {
         if (!options.frames.empty()) {
-            throw ToolError::usage("--frames: " + options.frames + " reaches frames" + beyond);
+            throw ToolError::usage("--frames: " + options.frames + " reaches" + beyond);
         }
         throw ToolError::runtime("'" + options.input + "' has " + std::to_string(frameCount) +
                                  " frames, more than reach within the time a host can state");
@@ -119,11 +119,6 @@ int RenderCommand::run()
 
     const std::unique_ptr<FrameSource> source = SourceFactory::open(mOptions.input, sourceOptions);
     const SourceInfo& info = source->info();
-    if (!mOptions.quiet) {
-        for (const std::string& note : info.notes) {
-            std::cerr << "quorvex: note: " << note << "\n";
-        }
-    }
     const VideoReader* video = SourceFactory::videoReaderOf(*source);
     if (sourceOptions.frames && info.isStill) {
         throw ToolError::usage("--frames: '" + mOptions.input +
@@ -171,8 +166,13 @@ int RenderCommand::run()
         request.encoder = &*encoder;
     }
     const std::unique_ptr<FrameSink> sink = SinkFactory::open(mOptions.output, info, request);
-    if (encoder && !encoder->note().empty() && !mOptions.quiet) {
-        std::cerr << "quorvex: note: " << encoder->note() << "\n";
+    if (!mOptions.quiet) {
+        if (encoder && !encoder->note().empty()) {
+            std::cerr << "quorvex: note: " << encoder->note() << "\n";
+        }
+        for (const std::string& note : info.notes) {
+            std::cerr << "quorvex: note: " << note << "\n";
+        }
     }
 
     EffectHost effect(mOptions.modulePath, mOptions.verbose);
