@@ -55,10 +55,13 @@ void Frei0rInstance::update(double time, const std::uint32_t* input, std::uint32
         // number.
         char passed[32];
         std::snprintf(passed, sizeof passed, "%g", time);
-        effect.reportOnce(std::string("quorvex frei0r: the host passed no usable frame time (") +
-                          passed +
-                          "), rendering at time 0; with ffmpeg, give frames a width that is a "
-                          "multiple of 64 pixels");
+        // One line for the first such time: a host may pass a new one with
+        // every frame.
+        effect.reportOnce("no frame time",
+                          std::string("quorvex frei0r: the host passed no usable frame time (") +
+                              passed +
+                              "), rendering at time 0; with ffmpeg, give frames a width that is a "
+                              "multiple of 64 pixels");
         frameTime = Host::FrameTime{};
     }
     effect.render(SharedEffect::Frame{mWidth, mHeight, input, output}, settings(), *frameTime);
