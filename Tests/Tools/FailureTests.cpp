@@ -141,6 +141,34 @@ TEST_F(FailureTest, OptionValuesThatMakeNoSense)
     expectFailure(with({"--bogus"}), 2, {"'--bogus'"});
 }
 
+TEST_F(FailureTest, OptionsAreBlamedAsTypedAndDashedNamesAreTaughtTheirWay)
+{
+    std::filesystem::copy_file(path("in.png"), path("-dash.png"));
+    expectFailure({"render", path("in.png"), "-dash.png"}, 2, {"unknown option '-dash.png'", "-- INPUT OUTPUT"});
+    EXPECT_THAT(run({"render", "--help"}).out, HasSubstr("render [OPTIONS] [--] "));
+    TestMedia::runCommand(mFolder, std::string("'") + QUORVEX_TOOL_PATH + "' render --plugin '" +
+                                       QUORVEX_FAKE_EFFECT_PATH + "' -- -dash.png -out.png");
+    EXPECT_TRUE(std::filesystem::remove(path("-out.png")));
+
+    // Too slow a rate is a usage error like any other, and no rate applies to a video.
+    expectFailure(with({"--fps", "0.001"}), 2, {"--fps: '0.001'"});
+    expectFailure(with({"--fps", "1/1000000"}), 2, {"--fps: '1/1000000'"});
+    TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{32, 24, 3, 12, 1, false},
+                         [](int, int, int, int) { return 100; });
+    expectFailure({"render", path("clip.mkv"), path("out.mkv"), "--fps", "30"}, 2,
+                  {"--fps does not apply to video input", "clip.mkv", "12 fps"});
+    // A range beyond the host's time names --frames, unless the offset alone puts it there.
+    expectFailure({"render", path("clip.mkv"), path("out.mkv"), "--frames", "0:99999999999"}, 2,
+                  {"--frames: 0:99999999999"});
+    expectFailure({"render", path("clip.mkv"), path("out.mkv"), "--time-offset", "178956970"}, 2,
+                  {"--time-offset: 178956970"});
+    // Audio alone is no video, whichever container holds it.
+    for (const char* name : {"tone.wav", "tone.mp4"}) {
+        TestMedia::runCommand(mFolder, std::string("ffmpeg -v error -f lavfi -i sine=duration=0.2 ") + name);
+        expectFailure({"render", path(name), path("out.mkv")}, 1, {name, "holds no video stream"});
+    }
+}
+
 TEST_F(FailureTest, SequencesWithGapsAndClipsIntoOnePicture)
 {
     for (const char* name : {"f.1.png", "f.2.png", "f.4.png"}) {

@@ -89,7 +89,8 @@ TEST(OptionParsingTest, GlitchNamesRatesRangesAndPatterns)
     EXPECT_EQ(FrameRange::parse("0:9223372036854775807").count(), std::size_t{1} << 63);
 
     for (const auto& [name, pattern] : {std::pair{"frame.###.exr", true}, {"f%d.tif", true},
-                                        {"100%.png", false}, {"take%02d/frame.png", false}}) {
+                                        {"100%.png", false}, {"take%02d/frame.png", false},
+                                        {"100%%d.png", false}, {"100%%%d.png", true}}) {
         EXPECT_EQ(ImageSequencePattern::isPattern(name), pattern) << name;
     }
     EXPECT_EQ(ImageSequencePattern("shots/frame.%04d.png").pathOf(7), "shots/frame.0007.png");

@@ -11,6 +11,10 @@ namespace Halvane::Quorvex::Tools {
 namespace {
 
 constexpr long kMaxRateNumerator = 1000000;
+// A frame every 100 s at the slowest: decimals are kept to 1/1000 fps, so
+// slower ones would lose most of their value to rounding (0.001 and 0.0014
+// alike), and video containers refuse frames that last much longer.
+constexpr long kSlowestRateDivisor = 100;
 
 }  // namespace
 
@@ -27,21 +31,23 @@ FrameRate::FrameRate(long numerator, long denominator)
 
 FrameRate FrameRate::parse(const std::string& option, const std::string& text)
 {
-    const std::string bad =
-        option + ": '" + text + "' is not a frame rate (expected e.g. 24, 29.97 or 30000/1001)";
+    const std::string bad = option + ": '" + text +
+                            "' is not a frame rate of 0.01 fps or more (expected e.g. 24, 29.97 "
+                            "or 30000/1001)";
     const auto slash = text.find('/');
     if (slash != std::string::npos) {
         long numerator = 0;
         long denominator = 0;
         if (!ParseInteger(text.substr(0, slash), numerator) ||
             !ParseInteger(text.substr(slash + 1), denominator) || numerator <= 0 ||
-            denominator <= 0 || numerator > kMaxRateNumerator || denominator > kMaxRateNumerator) {
+            denominator <= 0 || numerator > kMaxRateNumerator || denominator > kMaxRateNumerator ||
+            numerator * kSlowestRateDivisor < denominator) {
             throw ToolError::usage(bad);
         }
         return FrameRate(numerator, denominator);
     }
     double fps = 0.0;
-    if (!ParseDouble(text, fps) || fps <= 0.0 || fps > 1000.0) {
+    if (!ParseDouble(text, fps) || !(fps * kSlowestRateDivisor >= 1.0) || fps > 1000.0) {
         throw ToolError::usage(bad);
     }
     // 23.976, 29.97 and 59.94 are the NTSC rates, n*1000/1001.

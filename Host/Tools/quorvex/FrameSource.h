@@ -12,6 +12,7 @@ extern "C" {
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Halvane::Quorvex::Tools {
 
@@ -33,6 +34,9 @@ struct SourceInfo {
     // the input's own for an image sequence, else the frame's place from 1.
     long firstNumber = 1;
     PictureWindow window;  // of pictures that record one
+    // What the user should hear before the render (channels or pictures of
+    // the input that are not used), each without "note:".
+    std::vector<std::string> notes;
 };
 
 // Where the pictures of a render come from: a still, an image sequence, a

@@ -3,6 +3,8 @@
 #include "LibraryChatter.h"
 #include "ToolError.h"
 
+#include <OpenImageIO/strutil.h>
+
 #include <limits>
 #include <optional>
 #include <vector>
@@ -39,11 +41,27 @@ void CopyChannel(const std::vector<unsigned char>& file, int fileChannels, int f
     }
 }
 
-template <typename T>
-void FillChannel(T* frame, int to, T value, std::size_t pixels)
+// OpenImageIO's reader of movies through FFmpeg ("FFmpeg movie").
+bool IsFFmpegReader(const OIIO::ImageInput& input)
 {
-    for (std::size_t p = 0; p < pixels; ++p) {
-        frame[p * RgbaFrame::kChannels + static_cast<std::size_t>(to)] = value;
+    return OIIO::Strutil::istarts_with(input.format_name(), "ffmpeg");
+}
+
+// The file's channels `sources` (ColourChannels::kNone for none) as the
+// frame's red, green, blue and alpha: a colour the file lacks stays 0, alpha
+// it lacks is `opaque`.
+template <typename T>
+void Gather(const std::vector<unsigned char>& file, int fileChannels,
+            const int (&sources)[RgbaFrame::kChannels], T* frame, T opaque, std::size_t pixels)
+{
+    for (int c = 0; c < RgbaFrame::kChannels; ++c) {
+        if (sources[c] != ColourChannels::kNone) {
+            CopyChannel(file, fileChannels, sources[c], frame, c, pixels);
+        } else if (c == RgbaFrame::kChannels - 1) {
+            for (std::size_t p = 0; p < pixels; ++p) {
+                frame[p * RgbaFrame::kChannels + static_cast<std::size_t>(c)] = opaque;
+            }
+        }
     }
 }
 
@@ -76,6 +94,57 @@ ImageFileReader::ImageFileReader(const std::string& path) : mPath(path)
             LibraryChatter::oneLine(reason.empty() ? "not a picture file" : reason, libraries));
     }
     mDepth = DepthOfType(mInput->spec().format);
+    mChannels.emplace(mInput->spec(), path);
+    countPages();
+}
+
+void ImageFileReader::countPages()
+{
+    // A movie's pictures are its frames, the video reader's to count.
+    if (isMovie()) {
+        return;
+    }
+    const int width = mInput->spec().width;
+    const int height = mInput->spec().height;
+    bool sameSize = true;
+    while (mInput->seek_subimage(mPictureCount, 0)) {
+        sameSize = sameSize && mInput->spec().width == width && mInput->spec().height == height;
+        ++mPictureCount;
+    }
+    mInput->geterror();  // the failed seek past the last one
+    mInput->seek_subimage(0, 0);
+    // TIFF's pictures are pages; other formats' are layers, sizes or views
+    // of one picture (OpenEXR parts, icon sizes, ...).
+    if (std::string(mInput->format_name()) == "tiff" && sameSize) {
+        mPageCount = mPictureCount;
+    }
+}
+
+void ImageFileReader::describe(SourceInfo& info) const
+{
+    info.width = width();
+    info.height = height();
+    info.depth = depth();
+    info.hasAlpha = hasAlpha();
+    info.halfFloat = isHalfFloat();
+    info.window = window();
+    info.notes = notes();
+}
+
+std::vector<std::string> ImageFileReader::notes() const
+{
+    std::vector<std::string> notes;
+    const std::vector<std::string>& unused = mChannels->unused();
+    if (!unused.empty()) {
+        notes.push_back("'" + mPath + "': channel" + (unused.size() > 1 ? "s " : " ") +
+                        OIIO::Strutil::join(unused, ", ") + (unused.size() > 1 ? " are" : " is") +
+                        " not used (colour comes from R, G, B or Y, and A)");
+    }
+    if (mPictureCount > mPageCount) {
+        notes.push_back("'" + mPath + "' holds " + std::to_string(mPictureCount) +
+                        " pictures; only the first is used");
+    }
+    return notes;
 }
 
 ImageFileReader::~ImageFileReader()
@@ -89,7 +158,8 @@ bool ImageFileReader::isPictureFile(const std::string& path)
 {
     const auto input = OIIO::ImageInput::create(path);
     OIIO::geterror();  // a failed look-up leaves a message nobody needs
-    return input && input->valid_file(path);
+    // Movies are the video reader's, whose reasons speak of streams.
+    return input && !IsFFmpegReader(*input) && input->valid_file(path);
 }
 
 OIIO::TypeDesc ImageFileReader::sampleTypeOf(PixelDepth depth)
@@ -106,8 +176,7 @@ OIIO::TypeDesc ImageFileReader::sampleTypeOf(PixelDepth depth)
 
 bool ImageFileReader::isMovie() const
 {
-    return std::string(mInput->format_name()) == "ffmpeg" ||
-           mInput->spec().get_int_attribute("oiio:Movie", 0) != 0;
+    return IsFFmpegReader(*mInput) || mInput->spec().get_int_attribute("oiio:Movie", 0) != 0;
 }
 
 int ImageFileReader::width() const
@@ -122,7 +191,7 @@ int ImageFileReader::height() const
 
 bool ImageFileReader::hasAlpha() const
 {
-    return mInput->spec().alpha_channel >= 0;
+    return mChannels->alpha() != ColourChannels::kNone;
 }
 
 bool ImageFileReader::isHalfFloat() const
@@ -137,9 +206,18 @@ PictureWindow ImageFileReader::window() const
                          spec.full_height};
 }
 
-RgbaFrame ImageFileReader::read()
+RgbaFrame ImageFileReader::read(int page)
 {
+    if (page >= mPageCount) {
+        throw ToolError::runtime("cannot read page " + std::to_string(page + 1) + " of '" + mPath +
+                                 "': it has " + std::to_string(mPageCount));
+    }
+    if (!mInput->seek_subimage(page, 0)) {
+        throw ToolError::runtime("cannot read page " + std::to_string(page + 1) + " of '" + mPath +
+                                 "': " + mInput->geterror());
+    }
     const OIIO::ImageSpec& spec = mInput->spec();
+    const ColourChannels pageChannels = page == 0 ? *mChannels : ColourChannels(spec, mPath);
     const int channels = spec.nchannels;
     const std::size_t pixels =
         static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.height);
@@ -151,55 +229,26 @@ RgbaFrame ImageFileReader::read()
     if (std::string(mInput->format_name()) == "png") {
         chatter.emplace();
     }
-    const bool read = mInput->read_image(0, 0, 0, channels, type, samples.data());
+    const bool read = mInput->read_image(page, 0, 0, channels, type, samples.data());
     const std::string libraries = chatter ? chatter->finish() : std::string();
     if (!read) {
         throw ToolError::runtime("cannot read '" + mPath +
                                  "': " + LibraryChatter::oneLine(mInput->geterror(), libraries));
     }
 
-    // Red, green and blue are the first three channels that are not alpha;
-    // a grey file has one.
-    const int alpha = spec.alpha_channel;
-    std::vector<int> colours;
-    for (int c = 0; c < channels && colours.size() < 3; ++c) {
-        if (c != alpha) {
-            colours.push_back(c);
-        }
-    }
-    while (colours.size() < 3) {
-        colours.push_back(colours.empty() ? 0 : colours.front());
-    }
-
+    const int alpha = pageChannels.alpha();
+    const int sources[RgbaFrame::kChannels] = {pageChannels.red(), pageChannels.green(),
+                                               pageChannels.blue(), alpha};
     RgbaFrame frame(spec.width, spec.height, mDepth);
-    for (int c = 0; c < 3; ++c) {
-        switch (mDepth) {
-        case PixelDepth::Eight:
-            CopyChannel(samples, channels, colours[static_cast<std::size_t>(c)], frame.samples8(),
-                        c, pixels);
-            break;
-        case PixelDepth::Sixteen:
-            CopyChannel(samples, channels, colours[static_cast<std::size_t>(c)], frame.samples16(),
-                        c, pixels);
-            break;
-        case PixelDepth::Float:
-            CopyChannel(samples, channels, colours[static_cast<std::size_t>(c)],
-                        frame.samplesFloat(), c, pixels);
-            break;
-        }
-    }
     switch (mDepth) {
     case PixelDepth::Eight:
-        alpha >= 0 ? CopyChannel(samples, channels, alpha, frame.samples8(), 3, pixels)
-                   : FillChannel<std::uint8_t>(frame.samples8(), 3, 255, pixels);
+        Gather<std::uint8_t>(samples, channels, sources, frame.samples8(), 255, pixels);
         break;
     case PixelDepth::Sixteen:
-        alpha >= 0 ? CopyChannel(samples, channels, alpha, frame.samples16(), 3, pixels)
-                   : FillChannel<std::uint16_t>(frame.samples16(), 3, 65535, pixels);
+        Gather<std::uint16_t>(samples, channels, sources, frame.samples16(), 65535, pixels);
         break;
     case PixelDepth::Float:
-        alpha >= 0 ? CopyChannel(samples, channels, alpha, frame.samplesFloat(), 3, pixels)
-                   : FillChannel(frame.samplesFloat(), 3, 1.0f, pixels);
+        Gather(samples, channels, sources, frame.samplesFloat(), 1.0f, pixels);
         break;
     }
     // The reader marks files whose straight alpha it kept; any other alpha

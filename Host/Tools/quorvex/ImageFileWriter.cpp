@@ -22,7 +22,7 @@ std::unique_ptr<OIIO::ImageOutput> CreateOutput(const std::string& target)
 
 }  // namespace
 
-ImageFileWriter::ImageFileWriter(const std::string& target) : mTarget(target)
+ImageFileWriter::ImageFileWriter(const std::string& target) : mTarget(target), mFormat(target)
 {
     if (!knowsExtension(target)) {
         const std::string extension = std::filesystem::path(target).extension().string();
@@ -45,8 +45,7 @@ void ImageFileWriter::write(const RgbaFrame& frame, const std::string& path, boo
     }
     const bool withAlpha = output->supports("alpha");
     const OIIO::TypeDesc frameType = ImageFileReader::sampleTypeOf(frame.depth());
-    const OIIO::TypeDesc fileType =
-        frame.depth() == PixelDepth::Float && halfFloat ? OIIO::TypeDesc::HALF : frameType;
+    const OIIO::TypeDesc fileType = mFormat.sampleTypeFor(frame.depth(), halfFloat);
     OIIO::ImageSpec spec(frame.width(), frame.height(), withAlpha ? 4 : 3, fileType);
     spec.x = mWindow.x;
     spec.y = mWindow.y;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PictureFormat.h"
 #include "PictureWindow.h"
 #include "RgbaFrame.h"
 
@@ -9,8 +10,7 @@ namespace Halvane::Quorvex::Tools {
 
 // Writes pictures through OpenImageIO in the format that the target's
 // extension names. The samples keep the frame's depth where the format
-// holds it (OpenImageIO narrows them where it does not: JPEG is 8-bit, PNG
-// 8 or 16); alpha stays straight, except in formats that store colours
+// holds it, else the deepest it holds (PictureFormat); alpha stays straight, except in formats that store colours
 // multiplied by alpha (OpenEXR), and is left out where the format has none.
 class ImageFileWriter {
 public:
@@ -24,12 +24,14 @@ public:
     void setWindow(const PictureWindow& window) { mWindow = window; }
 
     // Writes `frame` into `path` (a temporary beside the target) in the
-    // target's format; float frames as half floats when `halfFloat`.
+    // target's format, in the sample type PictureFormat chooses; float
+    // frames as half floats when `halfFloat` and the format has them.
     // Throws ToolError (runtime) naming the target.
     void write(const RgbaFrame& frame, const std::string& path, bool halfFloat) const;
 
 private:
     std::string mTarget;
+    PictureFormat mFormat;
     PictureWindow mWindow;
 };
 

@@ -20,12 +20,15 @@ struct Placeholder {
     int width;
 };
 
-// The placeholders in a file name: "%d", "%0Nd", or a run of '#'.
+// The placeholders in a file name: "%d", "%0Nd", or a run of '#'. "%%" is
+// a literal '%', as in printf.
 std::vector<Placeholder> FindPlaceholders(const std::string& name)
 {
     std::vector<Placeholder> found;
     for (std::size_t i = 0; i < name.size(); ++i) {
-        if (name[i] == '%') {
+        if (name.compare(i, 2, "%%") == 0) {
+            ++i;
+        } else if (name[i] == '%') {
             std::size_t j = i + 1;
             while (j < name.size() && std::isdigit(static_cast<unsigned char>(name[j]))) {
                 ++j;
@@ -51,6 +54,19 @@ std::vector<Placeholder> FindPlaceholders(const std::string& name)
     return found;
 }
 
+// The text around a placeholder as it appears in file names.
+std::string Literal(const std::string& text)
+{
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        result += text[i];
+        if (text.compare(i, 2, "%%") == 0) {
+            ++i;
+        }
+    }
+    return result;
+}
+
 std::string FileNameOf(const std::string& path)
 {
     return std::filesystem::path(path).filename().string();
@@ -74,8 +90,8 @@ ImageSequencePattern::ImageSequencePattern(const std::string& path) : mText(path
             (placeholders.empty() ? "" : " (it has " + std::to_string(placeholders.size()) + ")"));
     }
     mFolder = fsPath.parent_path().string();
-    mPrefix = name.substr(0, placeholders[0].start);
-    mSuffix = name.substr(placeholders[0].start + placeholders[0].length);
+    mPrefix = Literal(name.substr(0, placeholders[0].start));
+    mSuffix = Literal(name.substr(placeholders[0].start + placeholders[0].length));
     mWidth = placeholders[0].width;
     if (mWidth > static_cast<int>(kMostDigits)) {
         throw ToolError::usage("'" + path + "' pads frame numbers to more than " +

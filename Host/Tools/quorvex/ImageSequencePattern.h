@@ -7,7 +7,7 @@ namespace Halvane::Quorvex::Tools {
 
 // The name of an image sequence: a path whose file name holds one frame
 // number placeholder, printf style ("frame.%04d.png", "f%d.exr") or as a
-// run of hashes ("frame.####.png", four digits).
+// run of hashes ("frame.####.png", four digits). "%%" stands for '%'.
 class ImageSequencePattern {
 public:
     // Whether the file name of `path` holds a placeholder.

@@ -41,12 +41,7 @@ ImageSequenceSource::ImageSequenceSource(const ImageSequencePattern& pattern,
     const ImageFileReader first(mPattern.pathOf(mRange.first()));
     FrameSizeCheck::check(first.path(), first.width(), first.height(), first.depth());
     mInfo.name = mPattern.text();
-    mInfo.width = first.width();
-    mInfo.height = first.height();
-    mInfo.depth = first.depth();
-    mInfo.hasAlpha = first.hasAlpha();
-    mInfo.halfFloat = first.isHalfFloat();
-    mInfo.window = first.window();
+    first.describe(mInfo);
     mInfo.rate = rate;
     mInfo.timeBase = rate.frameDuration();
     mInfo.frameCount = mRange.count();

@@ -38,17 +38,13 @@ std::optional<double> SecondsOption(const std::string& option, const std::string
     return seconds;
 }
 
-// A clip whose last frame lies beyond the host's 32-bit time is refused
-// before the first frame, not when the render reaches it.
-void CheckLastFrameTime(const FrameTimeline& timeline, std::size_t frameCount,
-                        std::int64_t nominalStep, const std::string& timeOffset)
+bool Reaches(const FrameTimeline& timeline, std::size_t frameCount, std::int64_t nominalStep)
 {
     try {
         timeline.timeOf(static_cast<std::int64_t>(frameCount - 1) * nominalStep);
+        return true;
     } catch (const ToolError&) {
-        throw ToolError::usage("--time-offset: " + (timeOffset.empty() ? "0" : timeOffset) +
-                               " s puts frame " + std::to_string(frameCount) +
-                               " of the input beyond the time a host can state");
+        return false;
     }
 }
 
@@ -61,6 +57,30 @@ Host::TimeSeed SeedOption(const std::string& text)
                                std::to_string(Host::TimeSeed::kLargest) + ")");
     }
     return Host::TimeSeed(static_cast<int>(number));
+}
+
+// A clip whose last frame lies beyond the host's 32-bit time is refused
+// before the first frame, not when the render reaches it, naming the option
+// that put it there: the frames alone, or the offset added to them.
+void CheckLastFrameTime(const FrameTimeline& timeline, const SourceInfo& info,
+                        std::int64_t nominalStep, const RenderCommand::Options& options)
+{
+    const std::size_t frameCount = *info.frameCount;
+    if (Reaches(timeline, frameCount, nominalStep)) {
+        return;
+    }
+    const std::string beyond = " beyond the time a host can state";
+    if (options.timeOffset.empty() ||
+        !Reaches(FrameTimeline::forClip(info.timeBase, nominalStep, 0.0), frameCount,
+                 nominalStep)) {
+        if (!options.frames.empty()) {
+            throw ToolError::usage("--frames: " + options.frames + " reaches" + beyond);
+        }
+        throw ToolError::runtime("'" + options.input + "' has " + std::to_string(frameCount) +
+                                 " frames, more than reach within the time a host can state");
+    }
+    throw ToolError::usage("--time-offset: " + options.timeOffset + " s puts frame " +
+                           std::to_string(frameCount) + " of the input" + beyond);
 }
 
 }  // namespace
@@ -119,7 +139,8 @@ int RenderCommand::run()
                                "' is a single picture, not an image sequence or a video");
     }
     if (video && sourceOptions.rate) {
-        throw ToolError::usage("--fps: '" + mOptions.input + "' is a video and keeps its own rate");
+        throw ToolError::usage("--fps does not apply to video input: '" + mOptions.input +
+                               "' keeps its own rate (" + info.rate.text() + " fps)");
     }
     if (!info.isStill && !sequenceInput) {
         outputKind = SinkFactory::classify(mOptions.output, true);
@@ -143,7 +164,7 @@ int RenderCommand::run()
         info.isStill ? FrameTimeline::forStill(time.value_or(1.0))
                      : FrameTimeline::forClip(info.timeBase, nominalStep, timeOffset.value_or(0.0));
     if (!info.isStill && info.frameCount && *info.frameCount > 0) {
-        CheckLastFrameTime(timeline, *info.frameCount, nominalStep, mOptions.timeOffset);
+        CheckLastFrameTime(timeline, info, nominalStep, mOptions);
     }
     const PixelDepth depth = chosenDepth.value_or(info.depth);
 
@@ -159,8 +180,13 @@ int RenderCommand::run()
         request.encoder = &*encoder;
     }
     const std::unique_ptr<FrameSink> sink = SinkFactory::open(mOptions.output, info, request);
-    if (encoder && !encoder->note().empty() && !mOptions.quiet) {
-        std::cerr << "quorvex: note: " << encoder->note() << "\n";
+    if (!mOptions.quiet) {
+        if (encoder && !encoder->note().empty()) {
+            std::cerr << "quorvex: note: " << encoder->note() << "\n";
+        }
+        for (const std::string& note : info.notes) {
+            std::cerr << "quorvex: note: " << note << "\n";
+        }
     }
 
     EffectHost effect(mOptions.modulePath, mOptions.verbose);

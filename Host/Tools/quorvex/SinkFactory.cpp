@@ -3,6 +3,7 @@
 #include "ImageFileWriter.h"
 #include "ImageSequencePattern.h"
 #include "ImageSequenceSink.h"
+#include "PictureFormat.h"
 #include "StillImageSink.h"
 #include "VideoEncoderChoice.h"
 #include "VideoWriter.h"
@@ -26,6 +27,7 @@ SinkFactory::Kind SinkFactory::classify(const std::string& target, bool clipInpu
 std::unique_ptr<FrameSink> SinkFactory::open(const std::string& target, const SourceInfo& source,
                                              const Request& request)
 {
+    notePictureLosses(target, source, request);
     switch (request.kind) {
     case Kind::Sequence:
         return std::make_unique<ImageSequenceSink>(ImageSequencePattern(target),
@@ -43,6 +45,18 @@ std::unique_ptr<FrameSink> SinkFactory::open(const std::string& target, const So
     }
     default:
         return std::make_unique<StillImageSink>(target, request.halfFloat, source.window);
+    }
+}
+
+void SinkFactory::notePictureLosses(const std::string& target, const SourceInfo& source,
+                                    const Request& request)
+{
+    if (request.kind == Kind::Video || !request.notes) {
+        return;
+    }
+    for (const std::string& line : PictureFormat(target).losses(
+             target, request.depth, request.halfFloat, source.hasAlpha)) {
+        *request.notes << "quorvex: note: " << line << "\n";
     }
 }
 

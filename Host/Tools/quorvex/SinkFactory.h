@@ -37,9 +37,15 @@ public:
         std::ostream* notes = nullptr;
     };
 
-    // Reserves the output. Throws ToolError naming the target.
+    // Reserves the output, and tells `request.notes` what a picture output
+    // cannot hold of the frames (depth, alpha). Throws ToolError naming the
+    // target.
     static std::unique_ptr<FrameSink> open(const std::string& target, const SourceInfo& source,
                                            const Request& request);
+
+private:
+    static void notePictureLosses(const std::string& target, const SourceInfo& source,
+                                  const Request& request);
 };
 
 }  // namespace Halvane::Quorvex::Tools

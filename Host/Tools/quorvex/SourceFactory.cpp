@@ -5,6 +5,7 @@
 #include "ImageFileReader.h"
 #include "ImageSequencePattern.h"
 #include "ImageSequenceSource.h"
+#include "PageSource.h"
 #include "StillImageSource.h"
 #include "ToolError.h"
 #include "VideoReader.h"
@@ -88,6 +89,9 @@ std::unique_ptr<FrameSource> SourceFactory::open(const std::string& path, const 
     }
     if (picture && !picture->isMovie() && !HoldsPictureStream(path)) {
         FrameSizeCheck::check(path, picture->width(), picture->height(), picture->depth());
+        if (picture->pageCount() > 1) {
+            return std::make_unique<PageSource>(std::move(picture), options.frames, rate);
+        }
         return std::make_unique<StillImageSource>(path, std::move(picture), rate);
     }
     picture.reset();

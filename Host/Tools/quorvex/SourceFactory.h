@@ -15,7 +15,8 @@ class VideoReader;
 // Opens the input of a render by what the path names: an image sequence
 // when its file name holds a frame number placeholder (and no such file
 // exists), else a picture OpenImageIO reads, else a video FFmpeg reads.
-// Formats that can hold several pictures (animated PNG, MJPEG) are videos.
+// Formats that can hold several pictures (animated PNG, MJPEG) are videos;
+// the pages of a multi-page TIFF are a clip of their own.
 class SourceFactory {
 public:
     struct Options {

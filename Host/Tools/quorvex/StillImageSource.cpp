@@ -9,12 +9,7 @@ StillImageSource::StillImageSource(const std::string& path, std::unique_ptr<Imag
     mInfo.rate = rate;
     mInfo.timeBase = rate.frameDuration();
     mInfo.name = path;
-    mInfo.width = mReader->width();
-    mInfo.height = mReader->height();
-    mInfo.depth = mReader->depth();
-    mInfo.hasAlpha = mReader->hasAlpha();
-    mInfo.halfFloat = mReader->isHalfFloat();
-    mInfo.window = mReader->window();
+    mReader->describe(mInfo);
     mInfo.isStill = true;
     mInfo.frameCount = 1;
 }

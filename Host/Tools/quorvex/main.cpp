@@ -5,6 +5,7 @@
 #include "ModuleLocation.h"
 #include "RenderCommand.h"
 #include "ToolError.h"
+#include "UsageFormatter.h"
 
 #include <CLI/CLI.hpp>
 
@@ -36,6 +37,7 @@ int main(int argc, char** argv)
         "  quorvex render shot.%04d.exr out.%04d.exr --frames 1001:1100 --fps 24\n"
         "  quorvex render clip.mp4 out.mov --glitch \"0:block,2.5:badtv\"\n"
         "  quorvex info");
+    app.formatter(std::make_shared<UsageFormatter>());
     app.require_subcommand(0, 1);
     std::string modulePath = DefaultModulePath();
     bool quiet = false;
@@ -121,13 +123,29 @@ int main(int argc, char** argv)
     // Words that are no command end up here, to be named in the message.
     app.allow_extras();
 
+    // A file named "-in.png" reads as an unknown option; that is the error
+    // to report, rather than the missing file names that follow from it.
+    const auto reportDashedFile = [&] {
+        for (const CLI::App* command : {static_cast<CLI::App*>(&app), renderCommand}) {
+            for (const std::string& extra : command->remaining()) {
+                if (UsageFormatter::mayNameFile(extra)) {
+                    std::cerr << "quorvex: unknown option '" << extra << "' ("
+                              << UsageFormatter::kDashAdvice << ")\n";
+                    return true;
+                }
+            }
+        }
+        return false;
+    };
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {
             return app.exit(error);
         }
-        std::cerr << "quorvex: " << error.what() << " (see quorvex --help)\n";
+        if (!reportDashedFile()) {
+            std::cerr << "quorvex: " << error.what() << " (see quorvex --help)\n";
+        }
         return ToolError::kUsageExitCode;
     }
 
@@ -140,8 +158,10 @@ int main(int argc, char** argv)
         return ToolError::kUsageExitCode;
     }
     if (!extras.empty()) {
-        std::cerr << "quorvex: unknown option or argument '" << extras.front()
-                  << "' (see quorvex --help)\n";
+        if (!reportDashedFile()) {
+            std::cerr << "quorvex: unknown option or argument '" << extras.front()
+                      << "' (see quorvex --help)\n";
+        }
         return ToolError::kUsageExitCode;
     }
 
