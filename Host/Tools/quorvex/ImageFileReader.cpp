@@ -1,6 +1,7 @@
 #include "ImageFileReader.h"
 
 #include "LibraryChatter.h"
+#include "PictureInput.h"
 #include "ToolError.h"
 
 #include <limits>
@@ -62,11 +63,11 @@ ImageFileReader::ImageFileReader(const std::string& path) : mPath(path)
     OIIO::ImageSpec config;
     config.attribute("oiio:UnassociatedAlpha", 1);
     LibraryChatter chatter;
-    mInput = OIIO::ImageInput::open(path, &config);
+    std::string reason;
+    mInput = PictureInput::open(path, config, reason);
     const std::string libraries = chatter.finish();
     if (!mInput) {
         // OpenImageIO's later lines give advice about its own settings.
-        std::string reason = OIIO::geterror();
         const auto newline = reason.find('\n');
         if (newline != std::string::npos) {
             reason.resize(newline);
@@ -74,6 +75,9 @@ ImageFileReader::ImageFileReader(const std::string& path) : mPath(path)
         throw ToolError::runtime(
             "cannot read '" + path + "': " +
             LibraryChatter::oneLine(reason.empty() ? "not a picture file" : reason, libraries));
+    }
+    if (PictureInput::isCutShort(path, mInput->format_name())) {
+        throw ToolError::runtime("cannot read '" + path + "': the file is cut short");
     }
     mDepth = DepthOfType(mInput->spec().format);
 }
@@ -87,9 +91,7 @@ ImageFileReader::~ImageFileReader()
 
 bool ImageFileReader::isPictureFile(const std::string& path)
 {
-    const auto input = OIIO::ImageInput::create(path);
-    OIIO::geterror();  // a failed look-up leaves a message nobody needs
-    return input && input->valid_file(path);
+    return PictureInput::recognises(path);
 }
 
 OIIO::TypeDesc ImageFileReader::sampleTypeOf(PixelDepth depth)

@@ -7,6 +7,8 @@
 
 namespace Halvane::Quorvex::Tools {
 
+class AtomicOutputFile;
+
 // Writes pictures through OpenImageIO in the format that the target's
 // extension names. The samples keep the frame's depth where the format
 // holds it (OpenImageIO narrows them where it does not: JPEG is 8-bit, PNG
@@ -23,10 +25,10 @@ public:
     // Where the pictures sit, for formats that record it.
     void setWindow(const PictureWindow& window) { mWindow = window; }
 
-    // Writes `frame` into `path` (a temporary beside the target) in the
-    // target's format; float frames as half floats when `halfFloat`.
-    // Throws ToolError (runtime) naming the target.
-    void write(const RgbaFrame& frame, const std::string& path, bool halfFloat) const;
+    // Writes `frame` into `file` in the target's format; float frames as
+    // half floats when `halfFloat`. Every byte goes through the file's
+    // checked writes. Throws ToolError (runtime) naming the target.
+    void write(const RgbaFrame& frame, AtomicOutputFile& file, bool halfFloat) const;
 
 private:
     std::string mTarget;

@@ -3,10 +3,12 @@
 #include "EffectHost.h"
 #include "EffectSettings.h"
 #include "FrameTimeline.h"
+#include "ImageSequencePattern.h"
 #include "InterruptWatcher.h"
 #include "NumberText.h"
 #include "ProgressReporter.h"
 #include "RenderPipeline.h"
+#include "SameFileGuard.h"
 #include "SinkFactory.h"
 #include "SourceFactory.h"
 #include "ToolError.h"
@@ -47,6 +49,23 @@ void CheckLastFrameTime(const FrameTimeline& timeline, std::size_t frameCount,
         throw ToolError::usage("--time-offset: " + (timeOffset.empty() ? "0" : timeOffset) +
                                " s puts frame " + std::to_string(frameCount) +
                                " of the input beyond the time a host can state");
+    }
+}
+
+void RefuseOutputThatIsAnInput(const std::string& input, bool sequenceInput,
+                               const SourceInfo& info, const std::string& output,
+                               bool sequenceOutput)
+{
+    SameFileGuard guard;
+    if (sequenceInput) {
+        guard.addInputs(ImageSequencePattern(input), info.firstNumber, info.frameCount.value_or(0));
+    } else {
+        guard.addInput(input);
+    }
+    if (sequenceOutput) {
+        guard.checkOutputs(ImageSequencePattern(output));
+    } else {
+        guard.checkOutput(output);
     }
 }
 
@@ -132,6 +151,8 @@ int RenderCommand::run()
         CheckLastFrameTime(timeline, *info.frameCount, nominalStep, mOptions.timeOffset);
     }
     const PixelDepth depth = chosenDepth.value_or(info.depth);
+    RefuseOutputThatIsAnInput(mOptions.input, sequenceInput, info, mOptions.output,
+                              outputKind == SinkFactory::Kind::Sequence);
 
     SinkFactory::Request request;
     request.kind = outputKind;
