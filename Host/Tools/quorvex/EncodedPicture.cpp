@@ -1,6 +1,7 @@
 #include "EncodedPicture.h"
 
 #include "AtomicOutputFile.h"
+#include "FileSizeLimit.h"
 #include "ToolError.h"
 
 #include <OpenImageIO/filesystem.h>
@@ -10,7 +11,6 @@
 #include <cstring>
 #include <new>
 #include <sys/mman.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -85,6 +85,7 @@ EncodedPicture::EncodedPicture(OIIO::ImageOutput& output, const std::string& tar
         output.set_ioproxy(mProxy.get());
         return;
     }
+    mExceededBefore = FileSizeLimit::exceeded();
     mMemoryFile = ::memfd_create("quorvex-picture", MFD_CLOEXEC);
     if (mMemoryFile < 0) {
         throw ToolError::runtime("cannot write '" + mTarget +
@@ -120,14 +121,12 @@ void EncodedPicture::writeTo(AtomicOutputFile& file) const
     if (::fstat(mMemoryFile, &status) != 0) {
         throw fail(errno);
     }
-    const auto size = static_cast<std::size_t>(status.st_size);
-    // Writes past the file size limit fail, and the formats that write by
-    // name do not say so: a memory file that reached the limit may be cut.
-    rlimit limit {};
-    if (::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY &&
-        size >= limit.rlim_cur) {
+    // A memory file fills no disk, but the file size limit holds for it too,
+    // and the formats that write by name do not check their writes.
+    if (FileSizeLimit::exceeded() != mExceededBefore) {
         throw fail(EFBIG);
     }
+    const auto size = static_cast<std::size_t>(status.st_size);
     std::vector<char> chunk(std::min<std::size_t>(size, std::size_t(1) << 20));
     for (std::size_t done = 0; done < size;) {
         const ssize_t got = ::pread(mMemoryFile, chunk.data(), std::min(chunk.size(), size - done),

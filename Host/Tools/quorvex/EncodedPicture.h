@@ -40,6 +40,7 @@ private:
     std::string mTarget;
     std::unique_ptr<MemoryProxy> mProxy;
     int mMemoryFile = -1;
+    unsigned long mExceededBefore = 0;  // writes past the file size limit
 };
 
 }  // namespace Halvane::Quorvex::Tools

@@ -1,5 +1,6 @@
 #include "AvErrorText.h"
 #include "DemoCommand.h"
+#include "FileSizeLimit.h"
 #include "FrameMemory.h"
 #include "InfoCommand.h"
 #include "ModuleLocation.h"
@@ -27,7 +28,7 @@ int main(int argc, char** argv)
     // Likewise a write past the file size limit (ulimit -f): it fails with
     // "File too large" and the output is discarded, instead of a core dump
     // beside a half-written temporary file.
-    std::signal(SIGXFSZ, SIG_IGN);
+    FileSizeLimit::watch();
 
     CLI::App app{
         "quorvex: applies the Quorvex glitch effect to pictures, image sequences and video",
