@@ -66,7 +66,8 @@ const std::vector<BenchmarkTable::Column>& BenchmarkTable::columns()
         {"prepare_ms", "prepare", 2},    {"upload_ms", "upload", 2},
         {"effect_draw_ms", "draw", 2},   {"resolve_ms", "resolve", 2},
         {"screen_pass_ms", "screen", 2}, {"read_back_ms", "readback", 2},
-        {"synchronised_ms", "synced", 2}, {"page_faults", "faults", 0},
+        {"synchronised_ms", "synced", 2}, {"cpu_ms", "cpu", 1},
+        {"page_faults", "faults", 0},
     };
     return kColumns;
 }
@@ -145,8 +146,9 @@ void BenchmarkTable::print(std::ostream& out) const
     }
     out << "ms/frame: the whole SmartRender as users run it (host cases: decode, encode or\n"
            "convert alone). prepare..readback: milliseconds of each stage in further frames with\n"
-           "glFinish at every stage's end; synced: those frames whole. faults: minor page faults\n"
-           "a frame, i.e. memory the frame touched fresh from the kernel.\n";
+           "glFinish at every stage's end; synced: those frames whole. cpu: processor ms a frame,\n"
+           "all threads (the work, whatever else runs). faults: minor page faults a frame,\n"
+           "i.e. memory the frame touched fresh from the kernel.\n";
 }
 
 void BenchmarkTable::writeJson(std::ostream& out, const std::map<std::string, std::string>& about) const

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <ctime>
 #include <exception>
 #include <memory>
 
@@ -54,6 +55,7 @@ constexpr int kMostFrames = 100;
 constexpr int kSplitFramesDivisor = 2;
 constexpr int kFramesPerSecond = 24;
 constexpr const char* kPageFaultsCounter = "page_faults";
+constexpr const char* kCpuCounter = "cpu_ms";
 
 std::unique_ptr<LoadedEffect> gEffect;
 std::string gModulePath;
@@ -97,6 +99,16 @@ long PageFaults()
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     return usage.ru_minflt;
+}
+
+// Seconds of processor time that the whole process (llvmpipe's threads
+// included) has used: on a shared machine the work of a frame, where the
+// wall clock also counts the time others take.
+double ProcessCpuSeconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
 // Frames of a clip at 24 frames per second, so that the glitch moves on.
@@ -147,6 +159,7 @@ void RunFrameCase(benchmark::State& state, FrameCase frameCase)
             effect.render(input, output, TimeOfFrame(frame));
         }
         const long faultsBefore = PageFaults();
+        const double cpuBefore = ProcessCpuSeconds();
         for (auto _ : state) {
             const Clock::time_point start = Clock::now();
             effect.render(input, output, TimeOfFrame(frame++));
@@ -156,6 +169,7 @@ void RunFrameCase(benchmark::State& state, FrameCase frameCase)
             const std::optional<QuorvexFrameProfile> profile = profiler.lastFrame();
             state.SetIterationTime(profile ? profile->mFrameSeconds : hostSeconds.count());
         }
+        state.counters[kCpuCounter] = (ProcessCpuSeconds() - cpuBefore) * 1e3 / static_cast<double>(state.iterations());
         state.counters[kPageFaultsCounter] =
             static_cast<double>(PageFaults() - faultsBefore) / static_cast<double>(state.iterations());
         if (profiler.available()) {

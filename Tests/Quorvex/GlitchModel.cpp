@@ -9,15 +9,9 @@ namespace {
 
 using Vec4 = std::array<float, 4>;
 
-// Rows closer than this to a decision boundary (in texture coordinates or
-// pixels, as the test's units) are not vouched for.
+// Rows closer than this to a band's edge (in texture coordinates) are not
+// vouched for.
 constexpr float kBoundaryMargin = 1e-4f;
-
-// GLSL's mod: x - y * floor(x / y).
-float Mod(float x, float y)
-{
-    return x - y * std::floor(x / y);
-}
 
 Vec4 Scale(Vec4 c, float factor)
 {
@@ -113,7 +107,7 @@ ModelPixel GlitchModel::finish(Vec4 rgba, bool certain) const
     return pixel;
 }
 
-std::vector<ModelPixel> GlitchModel::blockGlitch(const BlockGlitchRandoms& randoms) const
+std::vector<ModelPixel> GlitchModel::blockGlitch(const BlockGlitchValues& values) const
 {
     std::vector<ModelPixel> frame;
     frame.reserve(mTexture.size());
@@ -123,55 +117,48 @@ std::vector<ModelPixel> GlitchModel::blockGlitch(const BlockGlitchRandoms& rando
             const float v = (static_cast<float>(py) + 0.5f) / static_cast<float>(mHeight);
             bool certain = true;
             Vec4 colour = sample(u, v);
-            for (int i = 0; i < 2; ++i) {
-                const float bottom = randoms.sliceY[i];
-                const float end = randoms.sliceY[i] + randoms.sliceH[i];
-                const float top = end - std::floor(end);
+            for (int i = 0; i < BlockGlitchValues::kBands; ++i) {
+                const float bottom = values.bandBottom[i];
+                const float top = values.bandTop[i];
                 if (std::fabs(v - bottom) < kBoundaryMargin || std::fabs(v - top) < kBoundaryMargin) {
                     certain = false;
                 }
                 // step(bottom, v) - step(top, v) == 1: inside a band that does not wrap.
                 if (v >= bottom && v < top) {
-                    colour = sample(u + randoms.hOffset[i], v);
+                    colour = sample(u + values.bandShift[i], v);
                 }
             }
-            const Vec4 shifted = sample(u + randoms.colOffset[0], v + randoms.colOffset[1]);
-            const int channel = randoms.rnd < 0.33f ? 0 : randoms.rnd < 0.66f ? 1 : 2;
-            colour[channel] = shifted[channel];
+            const Vec4 shifted = sample(u + values.channelOffset[0], v + values.channelOffset[1]);
+            colour[values.channel] = shifted[values.channel];
             frame.push_back(finish(colour, certain));
         }
     }
     return frame;
 }
 
-std::vector<ModelPixel> GlitchModel::badTV(const BadTVRandoms& randoms, float iTime) const
+std::vector<ModelPixel> GlitchModel::badTV(const BadTVValues& values) const
 {
-    const float rnd = randoms.rnd;
+    const float rnd = values.rnd;
     const float width = static_cast<float>(mWidth);
     const float height = static_cast<float>(mHeight);
     std::vector<ModelPixel> frame;
     frame.reserve(mTexture.size());
     for (int py = 0; py < mHeight; ++py) {
+        // Tearing rows shift by their wave, the gap rows by rnd itself.
+        const BadTVRow& row = values.rows.at(static_cast<std::size_t>(py));
+        const bool tears = rnd > 0.0f && row.tears > 0.5f;
+        const float of = row.offset;
         for (int px = 0; px < mWidth; ++px) {
             const float x = (static_cast<float>(px) + 0.5f) / width * width;
             const float y = (static_cast<float>(py) + 0.5f) / height * height;
-            // A row close to the band threshold, or to a whole number of
-            // periods where mod wraps, may take either branch on a GPU. A
-            // frame with rnd 0 has only gap rows.
-            const float periods = rnd > 0.0f ? y / rnd : 0.0f;
-            const bool certain = rnd == 0.0f || (std::fabs(Mod(y, rnd) - rnd / 8.0f) > kBoundaryMargin * rnd &&
-                                                 std::fabs(periods - std::nearbyint(periods)) > kBoundaryMargin);
-            // Banded rows shift by a wave, the gap rows by rnd itself.
-            const bool banded = rnd > 0.0f && Mod(y, rnd) > rnd / 8.0f;
-            const float of = banded ? std::sin(y / rnd * iTime) * rnd * 2.0f : 0.0f;
-            const float u2 = (banded ? x + of : x - rnd * 4.0f) / width;
-            const float v2 = (banded ? y + of / 2.0f : y + rnd / 2.0f) / height;
-            const float tear = banded ? of * rnd * 0.005f : rnd * 0.05f;
+            const float u2 = (tears ? x + of : x - rnd * 4.0f) / width;
+            const float v2 = (tears ? y + of / 2.0f : y + rnd / 2.0f) / height;
+            const float tear = tears ? of * rnd * 0.005f : rnd * 0.05f;
             Vec4 colour = sample(u2, v2);
             colour[0] *= sample(u2 + tear, v2)[0];
             colour[1] *= sample(u2, v2)[1];
             colour[2] *= sample(u2 - tear, v2)[2];
-            frame.push_back(finish(Scale(colour, 1.5f), certain));
+            frame.push_back(finish(Scale(colour, 1.5f), true));
         }
     }
     return frame;

@@ -1,31 +1,15 @@
 #pragma once
 
 #include "EffectInterface.h"
+#include "GlitchFrameValues.h"
 
 #include <array>
 #include <vector>
 
 namespace Halvane::Quorvex::Testing {
 
-// What a frame's Block Glitch program computes once for all its fragments.
-// Tests read these off the GPU with a probe program, because the random
-// function is a sine of a large argument whose last bits differ between
-// processors: a CPU value would place the bands elsewhere.
-struct BlockGlitchRandoms {
-    float time = 0.0f;
-    std::array<float, 2> sliceY{};
-    std::array<float, 2> sliceH{};
-    std::array<float, 2> hOffset{};
-    float rnd = 0.0f;
-    std::array<float, 2> colOffset{};
-};
-
-struct BadTVRandoms {
-    float rnd = 0.0f;
-};
-
-// A pixel in host units, and whether the model vouches for it: a row within a hair of a band's edge or a
-// branch threshold may fall either way on a GPU.
+// A pixel in host units, and whether the model vouches for it: a row within a hair of a Block Glitch band's
+// edge may fall either way on a GPU, which interpolates the texture coordinate to its own precision.
 struct ModelPixel {
     std::array<float, 4> argb{};
     bool certain = true;
@@ -40,8 +24,9 @@ public:
     // units (0-255, 0-32768, or float), row 0 first.
     GlitchModel(int width, int height, PF_PixelFormat format, std::vector<std::array<float, 4>> pixels);
 
-    std::vector<ModelPixel> blockGlitch(const BlockGlitchRandoms& randoms) const;
-    std::vector<ModelPixel> badTV(const BadTVRandoms& randoms, float iTime) const;
+    // The frame with the values the module computes for it (GlitchFrameValues).
+    std::vector<ModelPixel> blockGlitch(const BlockGlitchValues& values) const;
+    std::vector<ModelPixel> badTV(const BadTVValues& values) const;
 
 private:
     using Vec4 = std::array<float, 4>;

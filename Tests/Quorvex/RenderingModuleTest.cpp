@@ -1,7 +1,5 @@
 #include "RenderingModuleTest.h"
 
-#include "RandomProbe.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -80,12 +78,12 @@ void RenderingModuleTest::expectMatchesModel(World& output, World& input, double
 {
     // iTime as the module computes it: seconds in single precision, then Speed.
     const FrameTime time = FrameTime::atSeconds(seconds, kTimeScale);
-    const float iTime = static_cast<float>(time.value) / static_cast<float>(time.scale) * static_cast<float>(speed);
+    const float iTime = GlitchFrameValues::shaderTime(static_cast<float>(time.value) / static_cast<float>(time.scale),
+                                                      static_cast<float>(speed));
     const GlitchModel glitch(input.width(), input.height(), input.format(), PixelsOf(input));
-    // The probe draws in the host's context, which is current between frames.
-    const std::vector<ModelPixel> expected = type == GlitchType::Block
-                                                 ? glitch.blockGlitch(RandomProbe::blockGlitch(iTime))
-                                                 : glitch.badTV(RandomProbe::badTV(iTime), iTime);
+    const std::vector<ModelPixel> expected =
+        type == GlitchType::Block ? glitch.blockGlitch(GlitchFrameValues::blockGlitch(iTime))
+                                  : glitch.badTV(GlitchFrameValues::badTV(iTime, input.height()));
     const float limit = input.format() == PF_PixelFormat_ARGB32   ? 1.0f
                         : input.format() == PF_PixelFormat_ARGB64 ? 2.0f
                                                                   : 3.0f / 65535.0f;

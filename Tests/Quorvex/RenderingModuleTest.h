@@ -33,7 +33,7 @@ protected:
     PF_Err render(Host::World& input, Host::World& output, double seconds, GlitchType type, double speed);
 
     // Expects the output within the depth's tolerance of what the model makes of `input` at that time, with
-    // the per-frame values probed on this GPU, and most pixels vouched for. The tolerance is one target step
+    // the frame's values as GlitchFrameValues computes them, and most pixels vouched for. The tolerance is one target step
     // at 8 bits, two at 16 bits and float: a value near a rounding edge may tip either way on a GPU, and the
     // screen pass's division by alpha (0.55 at least) can double that. Real faults move pixels many steps.
     void expectMatchesModel(Host::World& output, Host::World& input, double seconds, GlitchType type, double speed,

@@ -1,7 +1,10 @@
 #include "GlitchRender.h"
 
 #include "Common.h"
+#include "GlitchFrameValues.h"
 #include "Shaders/GlitchShaders.h"
+
+#include <glbinding/gl/gl.h>
 
 #include <cmath>
 #include <cstring>
@@ -13,11 +16,16 @@ namespace Halvane::Quorvex {
 
 namespace {
 
+using namespace gl;
+
+// The texture unit of Bad TV's row table; the picture is on unit 0.
+constexpr int kRowTableUnit = 1;
+
 // Seconds of layer time, scaled by Speed; all in single precision.
 float ShaderTime(const PF_InData* in_data, float speed)
 {
-    const float time = static_cast<float>(in_data->current_time) / static_cast<float>(in_data->time_scale);
-    return time * speed;
+    const float seconds = static_cast<float>(in_data->current_time) / static_cast<float>(in_data->time_scale);
+    return GlitchFrameValues::shaderTime(seconds, speed);
 }
 
 // Why the shaders' time cannot be made from this Speed at this moment, or
@@ -81,13 +89,52 @@ void GlitchRender::draw(PF_InData* in_data, PF_LayerDef* world, unsigned int tex
                         float multiplier)
 {
     const float time = ShaderTime(in_data, mSpeed);
-    const auto width = static_cast<float>(world->width);
-    const auto height = static_cast<float>(world->height);
-    FullScreenPass& pass = mGlitchType == 0 ? mBlockPass : mBadTVPass;
-    pass.draw(texture, multiplier, [&](const OpenglShader& shader) {
-        shader.setUniform1f("iTime", time);
-        shader.setUniform2f("texSize", width, height);
+    if (mGlitchType == 0) {
+        const BlockGlitchValues values = GlitchFrameValues::blockGlitch(time);
+        mBlockPass.draw(texture, multiplier, [&](const OpenglShader& shader) {
+            float edges[2 * BlockGlitchValues::kBands];
+            for (int band = 0; band < BlockGlitchValues::kBands; ++band) {
+                edges[2 * band] = values.bandBottom[band];
+                edges[2 * band + 1] = values.bandTop[band];
+            }
+            shader.setUniform2fv("bandEdges", edges, BlockGlitchValues::kBands);
+            shader.setUniform1fv("bandShift", values.bandShift.data(), BlockGlitchValues::kBands);
+            shader.setUniform1i("offsetChannel", values.channel);
+            shader.setUniform2f("channelOffset", values.channelOffset[0], values.channelOffset[1]);
+        });
+        return;
+    }
+    const BadTVValues values = GlitchFrameValues::badTV(time, world->height);
+    const GLuint rowTable = uploadRowTable(values);
+    mBadTVPass.draw(texture, multiplier, [&](const OpenglShader& shader) {
+        shader.setUniform1f("rnd", values.rnd);
+        shader.setUniform2f("texSize", static_cast<float>(world->width), static_cast<float>(world->height));
+        shader.setUniformTexture("rowTable", static_cast<int>(GL_TEXTURE_2D), static_cast<int>(rowTable),
+                                 kRowTableUnit);
+        glActiveTexture(GL_TEXTURE0);
     });
+}
+
+GLuint GlitchRender::uploadRowTable(const BadTVValues& values)
+{
+    static_assert(sizeof(BadTVRow) == 2 * sizeof(float), "the table's texels are two floats");
+    const auto rows = static_cast<GLsizei>(values.rows.size());
+    glActiveTexture(GL_TEXTURE0 + kRowTableUnit);
+    if (!mRowTable || rows != mRowTableRows) {
+        mRowTable = GLTexture::generate();
+        mRowTableRows = rows;
+        glBindTexture(GL_TEXTURE_2D, mRowTable.name());
+        // Read with texelFetch only; the filter makes the texture complete.
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RG32F, rows, 1, 0, GL_RG, GL_FLOAT, values.rows.data());
+    } else {
+        glBindTexture(GL_TEXTURE_2D, mRowTable.name());
+        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, rows, 1, GL_RG, GL_FLOAT, values.rows.data());
+    }
+    glActiveTexture(GL_TEXTURE0);
+    return mRowTable.name();
 }
 
 }  // namespace Halvane::Quorvex

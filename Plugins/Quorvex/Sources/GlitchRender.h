@@ -2,13 +2,18 @@
 
 #include "EffectInterface.h"
 #include "GL/FullScreenPass.h"
+#include "GL/GLObject.h"
 
 namespace Halvane::Quorvex {
 
+struct BadTVValues;
+
 // Draws one frame of the effect: reads "Glitch Type" and "Speed" from the
-// host, then runs the chosen program over a full-screen quad into the render
-// target that is open. One object serves the whole module and every host
-// thread; it makes no GL call until its first draw.
+// host, computes the frame's random values (GlitchFrameValues), then runs the
+// chosen program over a full-screen quad into the render target that is open.
+// One object serves the whole module and every host thread, one frame at a
+// time; it makes no GL call until its first draw. Bad TV's row table is a
+// texture of the share group, kept while the frame's height stays the same.
 class GlitchRender {
 public:
     GlitchRender();
@@ -34,13 +39,20 @@ public:
     {
         mBlockPass.abandonGLNames();
         mBadTVPass.abandonGLNames();
+        static_cast<void>(mRowTable.release());
     }
 
 private:
+    // Writes the rows into the kept table (made anew when the row count
+    // changes) and returns its name; leaves unit 0 active.
+    gl::GLuint uploadRowTable(const BadTVValues& values);
+
     int mGlitchType = 0;
     float mSpeed = 0.0f;
     FullScreenPass mBlockPass;
     FullScreenPass mBadTVPass;
+    GLTexture mRowTable;
+    gl::GLsizei mRowTableRows = 0;
 };
 
 }  // namespace Halvane::Quorvex

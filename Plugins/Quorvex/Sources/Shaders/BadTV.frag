@@ -7,12 +7,14 @@ out vec4 colourOut;
 
 uniform sampler2D videoTexture;
 uniform float multiplier16bit;
-uniform float iTime;
 uniform vec2 texSize;
 
-float rand(vec2 co) {
-    return fract(sin(dot(co.xy, vec2(12.9898, 78.233))) * 43758.5453);
-}
+// The frame's randomness arrives from outside, computed once per frame from
+// the frame's time (GlitchFrameValues): rnd, and a table with one texel per
+// row of the frame, r = 1 where the row tears (mod(y, rnd) > rnd / 8) and g
+// the row's wave offset sin(y / rnd * iTime) * rnd * 2.
+uniform float rnd;
+uniform sampler2D rowTable;
 
 // The texture holds the host's A, R, G, B in r, g, b, a.
 vec4 swapChannel(vec4 eColor) {
@@ -21,27 +23,25 @@ vec4 swapChannel(vec4 eColor) {
 
 void main() {
     vec2 fragCoord = uv * texSize;
-    float rnd = rand(vec2(iTime, iTime)) * 4.0;
+    vec2 row = texelFetch(rowTable, ivec2(int(gl_FragCoord.y), 0), 0).rg;
 
+    // Tearing rows move by their wave and tear by it; the gap rows move and
+    // tear by rnd. Both kinds of row read the same three places relative to
+    // their own, so a group of pixels across both kinds reads once.
     // rnd is 0 at time 0 and at Speed 0, and mod(y, 0) is undefined: such a
-    // frame takes the gap rows' branch, as llvmpipe does unguarded, so that
+    // frame takes the gap rows' branch, as llvmpipe did unguarded, so that
     // every driver shows the same first frame.
-    if (rnd > 0.0 && mod(fragCoord.y, rnd) > rnd / 8.0) {
-        float of = sin(fragCoord.y / rnd * iTime) * rnd * 2.0;
-        vec2 uv2 = vec2(fragCoord.x + of, fragCoord.y + of / 2.0) / texSize;
-        colourOut = swapChannel(texture(videoTexture, uv2));
-        colourOut.r *= swapChannel(texture(videoTexture, uv2 + of * rnd * vec2(0.005, 0.0))).r;
-        colourOut.g *= swapChannel(texture(videoTexture, uv2)).g;
-        colourOut.b *= swapChannel(texture(videoTexture, uv2 - of * rnd * vec2(0.005, 0.0))).b;
-        colourOut *= 1.5;
-    } else {
-        vec2 uv2 = vec2(fragCoord.x - rnd * 4.0, fragCoord.y + rnd / 2.0) / texSize;
-        colourOut = swapChannel(texture(videoTexture, uv2));
-        colourOut.r *= swapChannel(texture(videoTexture, uv2 + rnd * vec2(0.05, 0.0))).r;
-        colourOut.g *= swapChannel(texture(videoTexture, uv2)).g;
-        colourOut.b *= swapChannel(texture(videoTexture, uv2 - rnd * vec2(0.05, 0.0))).b;
-        colourOut *= 1.5;
-    }
+    bool tears = rnd > 0.0 && row.r > 0.5;
+    float of = row.g;
+    vec2 shift = tears ? vec2(of, of / 2.0) : vec2(-(rnd * 4.0), rnd / 2.0);
+    vec2 tear = tears ? of * rnd * vec2(0.005, 0.0) : rnd * vec2(0.05, 0.0);
+    vec2 uv2 = vec2(fragCoord.x + shift.x, fragCoord.y + shift.y) / texSize;
+    colourOut = swapChannel(texture(videoTexture, uv2));
+    colourOut.r *= swapChannel(texture(videoTexture, uv2 + tear)).r;
+    // Green reads where the colour was read: its own green, squared.
+    colourOut.g *= colourOut.g;
+    colourOut.b *= swapChannel(texture(videoTexture, uv2 - tear)).b;
+    colourOut *= 1.5;
 
     colourOut = colourOut * multiplier16bit;
     colourOut = vec4(colourOut.a * colourOut.r, colourOut.a * colourOut.g,

@@ -7,18 +7,16 @@ out vec4 colourOut;
 
 uniform sampler2D videoTexture;
 uniform float multiplier16bit;
-uniform float iTime;
 
-float AMT = 0.2;
-float SPEED = 0.6;
-
-float random2d(vec2 n) {
-    return fract(sin(dot(n, vec2(12.9898, 4.1414))) * 43758.5453);
-}
-
-float randomRange(in vec2 seed, in float minValue, in float maxValue) {
-    return minValue + random2d(seed) * (maxValue - minValue);
-}
+// The frame's random pattern arrives from outside, computed once per frame
+// from the frame's time (GlitchFrameValues): each band's lower and upper edge
+// and its sideways shift, the channel that is offset (0 red, 1 green, 2 blue)
+// and its offset.
+const int BANDS = 2;
+uniform vec2 bandEdges[BANDS];
+uniform float bandShift[BANDS];
+uniform int offsetChannel;
+uniform vec2 channelOffset;
 
 float insideRange(float v, float bottom, float top) {
     return step(bottom, v) - step(top, v);
@@ -30,33 +28,26 @@ vec4 swapChannel(vec4 eColor) {
 }
 
 void main() {
-    float time = floor(iTime * SPEED * 60.0);
-
-    colourOut = swapChannel(texture(videoTexture, uv));
-
-    float maxOffset = AMT / 2.0;
-    for (float i = 0.0; i < 10.0 * AMT; i += 1.0) {
-        float sliceY = random2d(vec2(time, 2345.0 + i));
-        float sliceH = random2d(vec2(time, 9035.0 + i)) * 0.25;
-        float hOffset = randomRange(vec2(time, 9625.0 + i), -maxOffset, maxOffset);
+    // A pixel inside a band shows the picture shifted by the band's offset,
+    // the last band it is in winning; so one read at the chosen place.
+    vec2 source = uv;
+    for (int i = 0; i < BANDS; ++i) {
         vec2 uvOff = uv;
-        uvOff.x += hOffset;
+        uvOff.x += bandShift[i];
         // A band whose top wraps past 1.0 shifts nothing on that tick.
-        if (insideRange(uv.y, sliceY, fract(sliceY + sliceH)) == 1.0) {
-            colourOut = swapChannel(texture(videoTexture, uvOff));
+        if (insideRange(uv.y, bandEdges[i].x, bandEdges[i].y) == 1.0) {
+            source = uvOff;
         }
     }
+    colourOut = swapChannel(texture(videoTexture, source));
 
-    float maxColOffset = AMT / 6.0;
-    float rnd = random2d(vec2(time, 9545.0));
-    vec2 colOffset = vec2(randomRange(vec2(time, 9545.0), -maxColOffset, maxColOffset),
-                          randomRange(vec2(time, 7205.0), -maxColOffset, maxColOffset));
-    if (rnd < 0.33) {
-        colourOut.r = swapChannel(texture(videoTexture, uv + colOffset)).r;
-    } else if (rnd < 0.66) {
-        colourOut.g = swapChannel(texture(videoTexture, uv + colOffset)).g;
+    vec4 shifted = swapChannel(texture(videoTexture, uv + channelOffset));
+    if (offsetChannel == 0) {
+        colourOut.r = shifted.r;
+    } else if (offsetChannel == 1) {
+        colourOut.g = shifted.g;
     } else {
-        colourOut.b = swapChannel(texture(videoTexture, uv + colOffset)).b;
+        colourOut.b = shifted.b;
     }
 
     colourOut = colourOut * multiplier16bit;

@@ -1,0 +1,165 @@
+// The frame values of both glitches against values computed apart from this
+// code: a short Python script with the same definition, rounding every step
+// to binary32 through struct packing and taking sin in double.
+#include "GlitchFrameValues.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace Halvane::Quorvex::Testing {
+namespace {
+
+struct PinnedBand {
+    float bottom, height, top, shift;
+};
+
+struct PinnedBlockGlitch {
+    int seconds, speed;
+    float tick;
+    std::array<PinnedBand, BlockGlitchValues::kBands> bands;
+    float channelRandom;
+    int channel;
+    std::array<float, 2> channelOffset;
+};
+
+struct PinnedRow {
+    int row;
+    float tears, offset;
+};
+
+struct PinnedBadTV {
+    int seconds, speed;
+    float rnd;
+    std::vector<PinnedRow> rows;
+};
+
+// At 0, 1, 1,000 and 3,600 s and Speed 0, 1 and 3. Among them: a band whose
+// top wraps below its bottom (1,000 s, Speed 1), every offset channel, rows
+// that do not tear (1,000 s, Speed 3), and rnd 0.
+const PinnedBlockGlitch kBlockGlitch[] = {
+    {0, 0, 0.0f,
+     {{{0.56640625f, 0.05078125f, 0.6171875f, 0.0753906295f}, {0.265625f, 0.134765625f, 0.400390625f, -0.0617187507f}}},
+     0.3671875f, 1, {-0.00885416754f, -0.000472005457f}},
+    {0, 1, 0.0f,
+     {{{0.56640625f, 0.05078125f, 0.6171875f, 0.0753906295f}, {0.265625f, 0.134765625f, 0.400390625f, -0.0617187507f}}},
+     0.3671875f, 1, {-0.00885416754f, -0.000472005457f}},
+    {0, 3, 0.0f,
+     {{{0.56640625f, 0.05078125f, 0.6171875f, 0.0753906295f}, {0.265625f, 0.134765625f, 0.400390625f, -0.0617187507f}}},
+     0.3671875f, 1, {-0.00885416754f, -0.000472005457f}},
+    {1, 0, 0.0f,
+     {{{0.56640625f, 0.05078125f, 0.6171875f, 0.0753906295f}, {0.265625f, 0.134765625f, 0.400390625f, -0.0617187507f}}},
+     0.3671875f, 1, {-0.00885416754f, -0.000472005457f}},
+    {1, 1, 36.0f,
+     {{{0.703125f, 0.0576171875f, 0.760742188f, 0.0946167037f}, {0.24609375f, 0.102539062f, 0.348632812f, 0.0554687455f}}},
+     0.51953125f, 1, {0.00130208209f, 0.0229166672f}},
+    {1, 3, 108.0f,
+     {{{0.259765625f, 0.0966796875f, 0.356445312f, -0.0210937485f}, {0.310546875f, 0.0830078125f, 0.393554688f, -0.067187503f}}},
+     0.45703125f, 1, {-0.00286458433f, -0.0166666675f}},
+    {1000, 0, 0.0f,
+     {{{0.56640625f, 0.05078125f, 0.6171875f, 0.0753906295f}, {0.265625f, 0.134765625f, 0.400390625f, -0.0617187507f}}},
+     0.3671875f, 1, {-0.00885416754f, -0.000472005457f}},
+    {1000, 1, 36000.0f,
+     {{{0.97265625f, 0.181640625f, 0.154296875f, -0.00390625f}, {0.615234375f, 0.190429688f, 0.805664062f, -0.0492187515f}}},
+     0.951171875f, 2, {0.0300781243f, 0.00481770933f}},
+    {1000, 3, 108000.0f,
+     {{{0.654296875f, 0.013671875f, 0.66796875f, -0.00859375298f}, {0.087890625f, 0.172363281f, 0.260253906f, -0.0910156295f}}},
+     0.033203125f, 0, {-0.0311197937f, 0.0234375f}},
+    {3600, 0, 0.0f,
+     {{{0.56640625f, 0.05078125f, 0.6171875f, 0.0753906295f}, {0.265625f, 0.134765625f, 0.400390625f, -0.0617187507f}}},
+     0.3671875f, 1, {-0.00885416754f, -0.000472005457f}},
+    {3600, 1, 129600.0f,
+     {{{0.247558594f, 0.23046875f, 0.478027344f, -0.0257812515f}, {0.5546875f, 0.169921875f, 0.724609375f, 0.0824218765f}}},
+     0.546875f, 1, {0.00312500075f, -0.00260416605f}},
+    {3600, 3, 388800.0f,
+     {{{0.01171875f, 0.013671875f, 0.025390625f, 0.00859375298f}, {0.080078125f, 0.124023438f, 0.204101562f, -0.04296875f}}},
+     0.74609375f, 2, {0.0164062493f, -0.00729166716f}},
+};
+
+const PinnedBadTV kBadTV[] = {
+    {0, 0, 0.0f,
+     {{0, 0.0f, 0.0f}, {1, 0.0f, 0.0f}, {2, 0.0f, 0.0f}, {7, 0.0f, 0.0f},
+      {100, 0.0f, 0.0f}, {719, 0.0f, 0.0f}, {1079, 0.0f, 0.0f}}},
+    {0, 1, 0.0f,
+     {{0, 0.0f, 0.0f}, {1, 0.0f, 0.0f}, {2, 0.0f, 0.0f}, {7, 0.0f, 0.0f},
+      {100, 0.0f, 0.0f}, {719, 0.0f, 0.0f}, {1079, 0.0f, 0.0f}}},
+    {0, 3, 0.0f,
+     {{0, 0.0f, 0.0f}, {1, 0.0f, 0.0f}, {2, 0.0f, 0.0f}, {7, 0.0f, 0.0f},
+      {100, 0.0f, 0.0f}, {719, 0.0f, 0.0f}, {1079, 0.0f, 0.0f}}},
+    {1, 0, 0.0f,
+     {{0, 0.0f, 0.0f}, {1, 0.0f, 0.0f}, {2, 0.0f, 0.0f}, {7, 0.0f, 0.0f},
+      {100, 0.0f, 0.0f}, {719, 0.0f, 0.0f}, {1079, 0.0f, 0.0f}}},
+    {1, 1, 2.75f,
+     {{0, 1.0f, 0.994499505f}, {1, 1.0f, 2.85343719f}, {2, 1.0f, 4.33920002f}, {7, 1.0f, 2.2141211f},
+      {100, 1.0f, -5.02838182f}, {719, 1.0f, -4.253613f}, {1079, 1.0f, 0.841705024f}}},
+    {1, 3, 0.2734375f,
+     {{0, 1.0f, -0.391339213f}, {1, 1.0f, -0.372443169f}, {2, 1.0f, 0.40932253f}, {7, 1.0f, 0.310728699f},
+      {100, 1.0f, 0.038512595f}, {719, 1.0f, 0.421482384f}, {1079, 1.0f, -0.0801433176f}}},
+    {1000, 0, 0.0f,
+     {{0, 0.0f, 0.0f}, {1, 0.0f, 0.0f}, {2, 0.0f, 0.0f}, {7, 0.0f, 0.0f},
+      {100, 0.0f, 0.0f}, {719, 0.0f, 0.0f}, {1079, 0.0f, 0.0f}}},
+    {1000, 1, 2.96875f,
+     {{0, 1.0f, -5.58590794f}, {1, 1.0f, 3.01831007f}, {2, 1.0f, 0.936891437f}, {7, 1.0f, 2.71639919f},
+      {100, 1.0f, -5.47509718f}, {719, 1.0f, 1.61023092f}, {1079, 1.0f, 3.16599679f}}},
+    {1000, 3, 1.421875f,
+     {{0, 1.0f, -1.67552567f}, {1, 0.0f, 0.0f}, {2, 1.0f, 0.0255016144f}, {7, 1.0f, 0.0723324195f},
+      {100, 1.0f, -2.36902261f}, {719, 0.0f, 0.0f}, {1079, 1.0f, -0.285263062f}}},
+    {3600, 0, 0.0f,
+     {{0, 0.0f, 0.0f}, {1, 0.0f, 0.0f}, {2, 0.0f, 0.0f}, {7, 0.0f, 0.0f},
+      {100, 0.0f, 0.0f}, {719, 0.0f, 0.0f}, {1079, 0.0f, 0.0f}}},
+    {3600, 1, 2.609375f,
+     {{0, 1.0f, -5.06819344f}, {1, 1.0f, 3.91514969f}, {2, 1.0f, -1.87221968f}, {7, 1.0f, -4.65225887f},
+      {100, 1.0f, 1.54793465f}, {719, 1.0f, 2.98899937f}, {1079, 1.0f, -0.717473209f}}},
+    {3600, 3, 2.12109375f,
+     {{0, 1.0f, 3.90000606f}, {1, 1.0f, -1.48486078f}, {2, 1.0f, -1.8535372f}, {7, 1.0f, -4.14519501f},
+      {100, 1.0f, 3.94518304f}, {719, 1.0f, 2.59567618f}, {1079, 1.0f, -4.16028786f}}},
+};
+
+float ShaderTime(int seconds, int speed)
+{
+    return GlitchFrameValues::shaderTime(static_cast<float>(seconds), static_cast<float>(speed));
+}
+
+std::string Moment(int seconds, int speed)
+{
+    return std::to_string(seconds) + " s, Speed " + std::to_string(speed);
+}
+
+TEST(GlitchFrameValuesTest, BlockGlitchValuesAreThoseOfTheDefinition)
+{
+    for (const PinnedBlockGlitch& pinned : kBlockGlitch) {
+        const BlockGlitchValues values = GlitchFrameValues::blockGlitch(ShaderTime(pinned.seconds, pinned.speed));
+        const std::string at = Moment(pinned.seconds, pinned.speed);
+        EXPECT_EQ(values.tick, pinned.tick) << at;
+        for (int band = 0; band < BlockGlitchValues::kBands; ++band) {
+            EXPECT_EQ(values.bandBottom[band], pinned.bands[band].bottom) << at << ", band " << band;
+            EXPECT_EQ(values.bandHeight[band], pinned.bands[band].height) << at << ", band " << band;
+            EXPECT_EQ(values.bandTop[band], pinned.bands[band].top) << at << ", band " << band;
+            EXPECT_EQ(values.bandShift[band], pinned.bands[band].shift) << at << ", band " << band;
+        }
+        EXPECT_EQ(values.channelRandom, pinned.channelRandom) << at;
+        EXPECT_EQ(values.channel, pinned.channel) << at;
+        EXPECT_EQ(values.channelOffset, pinned.channelOffset) << at;
+    }
+}
+
+TEST(GlitchFrameValuesTest, BadTVValuesAreThoseOfTheDefinition)
+{
+    constexpr int kRows = 1080;
+    for (const PinnedBadTV& pinned : kBadTV) {
+        const BadTVValues values = GlitchFrameValues::badTV(ShaderTime(pinned.seconds, pinned.speed), kRows);
+        const std::string at = Moment(pinned.seconds, pinned.speed);
+        EXPECT_EQ(values.rnd, pinned.rnd) << at;
+        ASSERT_EQ(values.rows.size(), static_cast<std::size_t>(kRows)) << at;
+        for (const PinnedRow& row : pinned.rows) {
+            const BadTVRow& actual = values.rows[static_cast<std::size_t>(row.row)];
+            EXPECT_EQ(actual.tears, row.tears) << at << ", row " << row.row;
+            EXPECT_EQ(actual.offset, row.offset) << at << ", row " << row.row;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace Halvane::Quorvex::Testing
