@@ -146,12 +146,18 @@ TEST_F(NothingLostTest, CutFilesOfEveryContainerEndWithOneLine)
                                    "ffmpeg -v error -f lavfi -i testsrc2=s=64x48:r=25:d=0.4 -c:v prores_ks clip.mov && "
                                    "ffmpeg -v error -i in.png in.jpg && ffmpeg -v error -i in.png in.tif && "
                                    "ffmpeg -v error -i in.png in.exr");
-    for (const char* name : {"front.mp4", "clip.mov", "in.png", "in.jpg", "in.tif", "in.exr"}) {
+    // Where OpenImageIO's FFmpeg reader used to abort (MP4 with its index in front) and where libjpeg only warns
+    // (JPEG), at many points; the others, whose readers fail cleanly, at two.
+    const std::vector<double> many{0.03, 0.3, 0.45, 0.6, 0.9};
+    const std::vector<double> two{0.3, 0.9};
+    for (const auto& [name, shares] : std::vector<std::pair<std::string, std::vector<double>>>{
+             {"front.mp4", many}, {"in.jpg", many}, {"clip.mov", two}, {"in.png", two}, {"in.tif", two},
+             {"in.exr", two}}) {
         const std::string whole = contents(name);
-        const std::string cut = std::string("cut") + std::filesystem::path(name).extension().string();
-        for (const double share : {0.03, 0.3, 0.6, 0.9}) {
+        const std::string cut = "cut" + std::filesystem::path(name).extension().string();
+        for (const double share : shares) {
             const auto size = static_cast<std::size_t>(static_cast<double>(whole.size()) * share);
-            SCOPED_TRACE(std::string(name) + " cut at " + std::to_string(size) + " bytes");
+            SCOPED_TRACE(name + " cut at " + std::to_string(size) + " bytes");
             std::ofstream(path(cut), std::ios::binary) << whole.substr(0, size);
             const std::set<std::string> before = files();
             expectOneLineFailure(runFake({"render", path(cut), path("out.mkv")}), 1, {cut}, before);
