@@ -91,9 +91,8 @@ void SharedEffect::release()
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mUsers > 0 && --mUsers == 0) {
         setDown();
-        // What failed may work after a fresh f0r_init.
-        mSetUpFailure.clear();
-        mFailedSizes.clear();
+        // A fresh f0r_init tries every size at once.
+        mRetries.clear();
     }
 }
 
@@ -102,34 +101,46 @@ void SharedEffect::render(const Frame& frame, const Settings& settings, const Ho
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         const std::pair<unsigned, unsigned> size{frame.width, frame.height};
-        // A size that failed was reported; asking the effect again would
-        // only repeat it.
-        if (!mFailedSizes.count(size)) {
-            const EffectReportDropped dropped;
-            mErrorCapture.begin();
-            std::string failure;
-            try {
-                failure = renderLocked(frame, settings, time);
-            } catch (const std::bad_alloc&) {
-                failure = "out of memory";
-            } catch (const std::exception& error) {
-                failure = error.what();
-            }
-            const std::string printed = mErrorCapture.end();
+        const auto retry = mRetries.find(size);
+        if (retry == mRetries.end() || retry->second.due()) {
+            const std::string failure = renderCaptured(frame, settings, time);
             if (failure.empty()) {
-                std::fputs(printed.c_str(), stderr);
+                if (retry != mRetries.end()) {
+                    mRetries.erase(retry);
+                }
                 return;
             }
-            // What the effect said is the better reason; its status alone
-            // says little ("bad callback parameter").
-            const std::string reason = printed.empty() ? failure : OneLine(printed);
-            mFailedSizes.insert(size);
-            reportOnceLocked("quorvex frei0r: passing " + std::to_string(frame.width) + "x" +
-                             std::to_string(frame.height) + " frames through unchanged: " + reason);
+            mRetries[size].failed();
+            const std::string sizeText = std::to_string(frame.width) + "x" + std::to_string(frame.height);
+            reportOnceLocked(sizeText + ": " + failure,
+                             "quorvex frei0r: passing " + sizeText + " frames through unchanged: " + failure);
         }
     }
     std::memcpy(frame.output, frame.input,
                 static_cast<std::size_t>(frame.width) * frame.height * sizeof(std::uint32_t));
+}
+
+std::string SharedEffect::renderCaptured(const Frame& frame, const Settings& settings,
+                                         const Host::FrameTime& time)
+{
+    const EffectReportDropped dropped;
+    mErrorCapture.begin();
+    std::string failure;
+    try {
+        failure = renderLocked(frame, settings, time);
+    } catch (const std::bad_alloc&) {
+        failure = "out of memory";
+    } catch (const std::exception& error) {
+        failure = error.what();
+    }
+    const std::string printed = mErrorCapture.end();
+    if (failure.empty()) {
+        std::fputs(printed.c_str(), stderr);
+        return failure;
+    }
+    // What the effect said is the better reason; its status alone says
+    // little ("bad callback parameter").
+    return printed.empty() ? failure : OneLine(printed);
 }
 
 std::string SharedEffect::setUp()
@@ -137,28 +148,25 @@ std::string SharedEffect::setUp()
     if (mSession) {
         return std::string();
     }
-    if (!mSetUpFailure.empty()) {
-        return mSetUpFailure;
-    }
     try {
         mRuntime = std::make_unique<Host::HostRuntime>();
         mModule = std::make_unique<Host::PluginModule>(kModuleName, &EntryPointFunc);
     } catch (const Host::HostError& error) {
         setDown();
-        return mSetUpFailure = error.what();
+        return error.what();
     }
     auto session = std::make_unique<Host::EffectSession>(*mRuntime, *mModule);
     PF_Err status = session->globalSetup();
     if (status != PF_Err_NONE) {
-        mSetUpFailure = Failure("the effect's GlobalSetup failed", status, *session);
+        const std::string failure = Failure("the effect's GlobalSetup failed", status, *session);
         setDown();
-        return mSetUpFailure;
+        return failure;
     }
     if ((status = session->paramsSetup()) != PF_Err_NONE) {
-        mSetUpFailure = Failure("the effect's ParamsSetup failed", status, *session);
+        const std::string failure = Failure("the effect's ParamsSetup failed", status, *session);
         session->globalSetdown();
         setDown();
-        return mSetUpFailure;
+        return failure;
     }
     try {
         mGlitchType = &mRuntime->parameter(kGlitchTypeName);
@@ -166,7 +174,7 @@ std::string SharedEffect::setUp()
     } catch (const Host::HostError& error) {
         session->globalSetdown();
         setDown();
-        return mSetUpFailure = error.what();
+        return error.what();
     }
     mSession = std::move(session);
     return std::string();
@@ -229,15 +237,15 @@ std::string SharedEffect::renderLocked(const Frame& frame, const Settings& setti
     return std::string();
 }
 
-void SharedEffect::reportOnce(const std::string& line)
+void SharedEffect::reportOnce(const std::string& cause, const std::string& line)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
-    reportOnceLocked(line);
+    reportOnceLocked(cause, line);
 }
 
-void SharedEffect::reportOnceLocked(const std::string& line)
+void SharedEffect::reportOnceLocked(const std::string& cause, const std::string& line)
 {
-    if (mReported.insert(line).second) {
+    if (mReported.insert(cause).second) {
         std::fprintf(stderr, "%s\n", line.c_str());
     }
 }

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "RetrySchedule.h"
 #include "StandardErrorCapture.h"
 
 #include "Runtime/FrameTime.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -30,7 +32,9 @@ namespace Halvane::Quorvex::Frei0r {
 // plug-ins) and set down when the last f0r_init is matched by f0r_deinit.
 //
 // A frame that cannot be rendered is copied from input to output, and why
-// is said once on standard error; the host never sees a failure.
+// is said once on standard error; the host never sees a failure. Frames of
+// a size that failed are tried again after a pause that grows while they
+// keep failing (RetrySchedule): what failed may pass.
 class SharedEffect {
 public:
     struct Frame {
@@ -51,8 +55,9 @@ public:
 
     void render(const Frame& frame, const Settings& settings, const Host::FrameTime& time);
 
-    // Prints `line` on standard error unless it was printed before.
-    void reportOnce(const std::string& line);
+    // Prints `line` on standard error unless a line of the same `cause`
+    // was printed before.
+    void reportOnce(const std::string& cause, const std::string& line);
 
 private:
     SharedEffect() = default;
@@ -61,15 +66,18 @@ private:
     std::string setUp();
     std::string renderLocked(const Frame& frame, const Settings& settings,
                              const Host::FrameTime& time);
-    // Ends the effect; what failed is kept until the last user lets go.
+    // renderLocked with what the effect prints caught: shown when the frame
+    // rendered, folded into the reason when it did not.
+    std::string renderCaptured(const Frame& frame, const Settings& settings,
+                               const Host::FrameTime& time);
+    // Ends the effect; a set-up that failed is made again at the next try.
     void setDown();
-    void reportOnceLocked(const std::string& line);
+    void reportOnceLocked(const std::string& cause, const std::string& line);
 
     std::mutex mMutex;
     int mUsers = 0;
-    std::string mSetUpFailure;
-    // Sizes whose frames could not be rendered; they pass through.
-    std::set<std::pair<unsigned, unsigned>> mFailedSizes;
+    // Sizes whose last frame could not be rendered, and when to try again.
+    std::map<std::pair<unsigned, unsigned>, RetrySchedule> mRetries;
     std::set<std::string> mReported;
     StandardErrorCapture mErrorCapture;
 

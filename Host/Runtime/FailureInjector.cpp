@@ -54,7 +54,7 @@ bool FailureInjector::suiteFails(const std::string& name, A_long version, SuiteF
     return true;
 }
 
-int FailureInjector::calls(HostCall call) const
+long long FailureInjector::calls(HostCall call) const
 {
     std::lock_guard<std::mutex> lock(mMutex);
     auto found = mCalls.find(call);

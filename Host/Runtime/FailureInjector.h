@@ -51,7 +51,8 @@ public:
     A_long check(HostCall call);
     // How the acquisition of a suite should fail, if it should.
     bool suiteFails(const std::string& name, A_long version, SuiteFailure& how) const;
-    int calls(HostCall call) const;
+    // Counted in 64 bits: a host that runs for months makes billions.
+    long long calls(HostCall call) const;
 
 private:
     struct Plan {
@@ -62,7 +63,7 @@ private:
 
     mutable std::mutex mMutex;
     std::map<HostCall, Plan> mPlans;
-    std::map<HostCall, int> mCalls;
+    std::map<HostCall, long long> mCalls;
     std::map<std::pair<std::string, A_long>, SuiteFailure> mSuiteFailures;
 };
 

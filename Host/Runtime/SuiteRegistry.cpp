@@ -21,19 +21,19 @@ SPErr SuiteRegistry::acquire(const char* name, A_long version, const void** suit
     const bool injected = mFailures.suiteFails(key.first, version, how);
     if (table == mTables.end() || (injected && how == SuiteFailure::Missing)) {
         *suite = nullptr;
-        mLog.push_back({Event::Refused, key.first, version});
+        record(Event::Refused, key.first, version);
         return kSPSuiteNotFoundError;
     }
     if (injected && how == SuiteFailure::NullWithoutStatus) {
         *suite = nullptr;
-        mLog.push_back({Event::Refused, key.first, version});
+        record(Event::Refused, key.first, version);
         return kSPNoError;
     }
     // A refusal that still hands over the table counts as held: an effect
     // that trusts the table must also release it.
     *suite = table->second;
     ++mHeld[key];
-    mLog.push_back({Event::Acquired, key.first, version});
+    record(Event::Acquired, key.first, version);
     return injected ? kSPSuiteNotFoundError : kSPNoError;
 }
 
@@ -47,7 +47,7 @@ SPErr SuiteRegistry::release(const char* name, A_long version)
         return kSPSuiteNotFoundError;
     }
     --held->second;
-    mLog.push_back({Event::Released, key.first, version});
+    record(Event::Released, key.first, version);
     return kSPNoError;
 }
 
@@ -80,10 +80,18 @@ std::vector<SuiteRegistry::LogEntry> SuiteRegistry::log() const
     return mLog;
 }
 
-void SuiteRegistry::clearLog()
+void SuiteRegistry::startLog()
 {
     std::lock_guard<std::mutex> lock(mMutex);
     mLog.clear();
+    mLogging = true;
+}
+
+void SuiteRegistry::record(Event event, const std::string& name, A_long version)
+{
+    if (mLogging) {
+        mLog.push_back({event, name, version});
+    }
 }
 
 }  // namespace Halvane::Quorvex::Host

@@ -21,10 +21,13 @@ protected:
     // Runs `program ARGUMENTS` with FREI0R_PATH at the built plug-in and a
     // GStreamer registry of the build's own: no cache from elsewhere can hide
     // the plug-in, and GStreamer lists it anew whenever the file changes.
-    ToolResult runHost(const std::string& program, const std::vector<std::string>& arguments) const
+    // `extra` is added to that environment.
+    ToolResult runHost(const std::string& program, const std::vector<std::string>& arguments,
+                       const std::map<std::string, std::string>& extra = {}) const
     {
         std::map<std::string, std::string> environment{{"FREI0R_PATH", QUORVEX_FREI0R_PATH},
                                                        {"GST_REGISTRY", QUORVEX_GST_REGISTRY}};
+        environment.insert(extra.begin(), extra.end());
 #ifdef QUORVEX_SANITIZER_RUNTIME
         // The hosts' own leaks are theirs; faults in the plug-in still halt.
         environment.emplace("LD_PRELOAD", QUORVEX_SANITIZER_RUNTIME);

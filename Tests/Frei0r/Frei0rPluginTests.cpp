@@ -1,6 +1,6 @@
 // What the plug-in shows its hosts apart from frames: only the frei0r
 // functions, and a frame it cannot render passed through with one line on
-// standard error while the host carries on.
+// standard error while the host carries on, and tried again later.
 #include "Frei0r/Frei0rHostTest.h"
 
 #include <algorithm>
@@ -52,6 +52,43 @@ TEST_F(Frei0rPluginTest, AFrameBeyondTheGLLimitsPassesThroughAndTheHostGoesOn)
               0u)
         << result.err;
     EXPECT_NE(result.err.find("largest texture"), std::string::npos) << result.err;
+}
+
+// Frames of a size that failed for want of memory pass through, and the
+// size is tried again after 1, 2, 4... frames: with three failures, frames 0,
+// 2 and 5 are tried and fail, and from frame 10 on every frame is rendered.
+TEST_F(Frei0rPluginTest, ASizeThatFailedIsTriedAgainAfterAPauseThatGrows)
+{
+#ifdef QUORVEX_SANITIZER_RUNTIME
+    GTEST_SKIP() << "AddressSanitizer's allocator comes first in a sanitized host; no other can be preloaded";
+#endif
+    constexpr int kWidth = 192;  // a multiple of 64, see Frei0rHostTests
+    constexpr int kHeight = 37;
+    const auto ffmpeg = [this](const std::string& filter, const std::string& out) {
+        return std::vector<std::string>{"-nostdin", "-v", "error", "-f", "lavfi", "-i",
+                                        "testsrc2=size=192x37:rate=25,trim=end_frame=16,format=rgba", "-vf",
+                                        filter, "-f", "rawvideo", "-pix_fmt", "rgba", path(out)};
+    };
+    ASSERT_TRUE(Succeeded(runHost("ffmpeg", ffmpeg("null", "input.rgba"))));
+    ASSERT_TRUE(Succeeded(runHost("ffmpeg", ffmpeg("frei0r=quorvex:0|0.5", "rendered.rgba"))));
+    // The plug-in's pictures of the frame's size are the only arrays of that many bytes.
+    const ToolResult result =
+        runHost("ffmpeg", ffmpeg("frei0r=quorvex:0|0.5", "out.rgba"),
+                {{"LD_PRELOAD", QUORVEX_ARRAY_ALLOCATION_FAILURE},
+                 {"QUORVEX_FAILING_ARRAY_BYTES", std::to_string(kWidth * kHeight * 4)},
+                 {"QUORVEX_FAILING_ARRAY_TIMES", "3"}});
+    ASSERT_TRUE(Succeeded(result));
+
+    const RawFrames input = readRawFrames(path("input.rgba"), kWidth, kHeight);
+    const RawFrames rendered = readRawFrames(path("rendered.rgba"), kWidth, kHeight);
+    const RawFrames out = readRawFrames(path("out.rgba"), kWidth, kHeight);
+    ASSERT_EQ(input.size(), 16u);
+    ASSERT_NE(rendered, input) << "the effect changed nothing; the test would show nothing";
+    RawFrames expected(input.begin(), input.begin() + 10);
+    expected.insert(expected.end(), rendered.begin() + 10, rendered.end());
+    EXPECT_TRUE(FramesAgree(out, expected, kWidth, 0));
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+    EXPECT_EQ(result.err, "quorvex frei0r: passing 192x37 frames through unchanged: out of memory\n");
 }
 
 }  // namespace

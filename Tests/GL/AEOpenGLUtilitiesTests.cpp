@@ -67,6 +67,7 @@ TEST_F(UtilitiesTest, UnknownFormatsAreRefusedWithALineBeforeAnythingIsTaken)
     std::memset(world.row(0), 0x3C, 8);
     const std::vector<unsigned char> before = HostPixels::bytes(world);
     const auto objects = liveObjects();
+    mHost.suites().startLog();
 
     const std::string said = standardErrorOf([&] {
         EXPECT_EQ(thrownBy([&] { upload(world, unknown); }), PF_Err_BAD_CALLBACK_PARAM);

@@ -34,6 +34,8 @@ Lines suiteLog(const Host::SuiteRegistry& suites)
 
 class ScriptHelperTest : public ::testing::Test {
 protected:
+    void SetUp() override { host.suites().startLog(); }
+
     void TearDown() override
     {
         EXPECT_EQ(host.suites().outstanding(), 0u);

@@ -84,6 +84,13 @@ TEST_F(HostRuntimeTest, OnlyOneRuntimeIsActiveAndItsLedgerCountsSuitesAndHandles
     host.basicSuite()->ReleaseSuite("PF World Suite", 2);
     EXPECT_EQ(host.suites().outstanding(), 0u);
     EXPECT_EQ(host.suites().unbalancedReleases(), 1u);
+    // Events are logged only for a test that asks: a log nobody reads would
+    // grow with every frame of a long render.
+    EXPECT_TRUE(host.suites().log().empty());
+    host.suites().startLog();
+    host.basicSuite()->AcquireSuite("PF World Suite", 2, &suite);
+    host.basicSuite()->ReleaseSuite("PF World Suite", 2);
+    EXPECT_EQ(host.suites().log().size(), 2u);
 
     PF_UtilCallbacks* utils = host.utilCallbacks();
     PF_Handle handle = utils->host_new_handle(32);

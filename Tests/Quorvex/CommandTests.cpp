@@ -15,6 +15,7 @@ using CommandTest = LoadedModuleTest;
 
 TEST_F(CommandTest, CommandsOutsideTheTableAndABareSetdownReturnZeroAndTouchNothing)
 {
+    host.suites().startLog();
     PF_OutData untouched;
     std::memset(&untouched, 0x5A, sizeof(untouched));
     const PF_Cmd commands[] = {PF_Cmd_GLOBAL_SETDOWN, PF_Cmd_UNUSED_0, PF_Cmd_SEQUENCE_SETUP, PF_Cmd_SEQUENCE_SETDOWN,
@@ -34,6 +35,7 @@ TEST_F(CommandTest, CommandsOutsideTheTableAndABareSetdownReturnZeroAndTouchNoth
 TEST_F(CommandTest, AboutNeedsNoSetupAndAMissingSuiteAnswers516WithoutAMessage)
 {
     std::string text;
+    host.suites().startLog();
     ASSERT_EQ(session.about(text), PF_Err_NONE);
     EXPECT_EQ(text, "Quorvex v1.0\rQuorvex");
     // Only the ANSI suite, acquired and released.

@@ -50,8 +50,6 @@ TEST_F(HostileHostTest, UnusableWorldsAndSpeedsEndTheFrameWithALine)
         {[](PF_EffectWorld& in, PF_EffectWorld&) { in.data = nullptr; }, "no pixel memory for its 20x12 pixels"},
         {[](PF_EffectWorld& in, PF_EffectWorld&) { in.width = -20; }, "its size -20x12 is negative"},
         {[](PF_EffectWorld&, PF_EffectWorld& out) { out.height = -1; }, "output world cannot be used: its size 20x-1"},
-        {[](PF_EffectWorld& in, PF_EffectWorld&) { in.world_flags &= ~PF_WorldFlag_DEEP; }, "its flags call it 8 bits a channel but its pixel format is \"ae16\""},
-        {[](PF_EffectWorld&, PF_EffectWorld& out) { out.world_flags &= ~PF_WorldFlag_WRITEABLE; }, "output world cannot be used: it is not writeable"},
         {[](PF_EffectWorld& in, PF_EffectWorld&) { in.data = reinterpret_cast<PF_PixelPtr>(reinterpret_cast<char*>(in.data) + 1); }, "not aligned to the 2-byte channels"},
     };
     for (const auto& [tamper, said] : cases) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
+#include <optional>
 
 namespace Halvane::Quorvex {
 
@@ -14,20 +15,19 @@ namespace {
 struct Depth {
     std::size_t pixelSize;
     std::size_t channelSize;
-    bool deep;
 };
 
 bool DepthOf(PF_PixelFormat format, Depth& depth)
 {
     switch (format) {
     case PF_PixelFormat_ARGB32:
-        depth = Depth{4, 1, false};
+        depth = Depth{4, 1};
         return true;
     case PF_PixelFormat_ARGB64:
-        depth = Depth{8, 2, true};
+        depth = Depth{8, 2};
         return true;
     case PF_PixelFormat_ARGB128:
-        depth = Depth{16, 4, true};
+        depth = Depth{16, 4};
         return true;
     default:
         return false;
@@ -51,11 +51,12 @@ std::string FormatName(PF_PixelFormat format)
     }
 }
 
-PF_PixelFormat FormatOf(const PF_WorldSuite2& suite, const PF_EffectWorld* world)
+// The world's format, or nothing when the host cannot say.
+std::optional<PF_PixelFormat> FormatOf(const PF_WorldSuite2& suite, const PF_EffectWorld* world)
 {
     PF_PixelFormat format = PF_PixelFormat_ARGB32;
-    if (suite.PF_GetPixelFormat(world, &format) != PF_Err_NONE) {
-        format = PF_PixelFormat_ARGB32;
+    if (world == nullptr || suite.PF_GetPixelFormat(world, &format) != PF_Err_NONE) {
+        return std::nullopt;
     }
     return format;
 }
@@ -68,7 +69,7 @@ PF_PixelFormat FormatOf(const PF_WorldSuite2& suite, const PF_EffectWorld* world
 
 }  // namespace
 
-std::string HostWorldCheck::problem(const PF_EffectWorld* world, PF_PixelFormat format, bool written)
+std::string HostWorldCheck::problem(const PF_EffectWorld* world, PF_PixelFormat format)
 {
     if (world == nullptr) {
         return "there is none";
@@ -80,14 +81,6 @@ std::string HostWorldCheck::problem(const PF_EffectWorld* world, PF_PixelFormat 
     }
     if (world->width < 0 || world->height < 0) {
         return "its size " + size + " is negative";
-    }
-    const bool flaggedDeep = (world->world_flags & PF_WorldFlag_DEEP) != 0;
-    if (flaggedDeep != depth.deep) {
-        return std::string("its flags call it ") + (flaggedDeep ? "deep" : "8 bits a channel") +
-               " but its pixel format is " + FormatName(format);
-    }
-    if (written && (world->world_flags & PF_WorldFlag_WRITEABLE) == 0) {
-        return "it is not writeable";
     }
     const std::size_t rowLength = static_cast<std::size_t>(world->width) * depth.pixelSize;
     if (world->rowbytes < 0 || (world->height > 0 && static_cast<std::size_t>(world->rowbytes) < rowLength)) {
@@ -115,16 +108,20 @@ PF_PixelFormat HostWorldCheck::requireUsable(PF_InData* in_data, const PF_Effect
                                    const PF_EffectWorld* output)
 {
     SuiteScoper<PF_WorldSuite2> worldSuite(in_data, kPFWorldSuite, 2);
-    const PF_PixelFormat format = input ? FormatOf(*worldSuite.get(), input) : PF_PixelFormat_ARGB32;
-    if (const std::string why = problem(input, format, false); !why.empty()) {
+    const std::optional<PF_PixelFormat> inputFormat = FormatOf(*worldSuite.get(), input);
+    // A frame whose input format the host cannot say runs at 8 bits. Its
+    // worlds are then checked as 8-bit worlds, which is what guards memory:
+    // the output's own answer is not held against it.
+    const PF_PixelFormat format = inputFormat.value_or(PF_PixelFormat_ARGB32);
+    if (const std::string why = problem(input, format); !why.empty()) {
         Refuse("input", why);
     }
-    const PF_PixelFormat outputFormat = output ? FormatOf(*worldSuite.get(), output) : format;
-    if (outputFormat != format) {
-        Refuse("output", "its pixel format " + FormatName(outputFormat) + " differs from the input's " +
+    const std::optional<PF_PixelFormat> outputFormat = FormatOf(*worldSuite.get(), output);
+    if (inputFormat && outputFormat && *outputFormat != format) {
+        Refuse("output", "its pixel format " + FormatName(*outputFormat) + " differs from the input's " +
                              FormatName(format));
     }
-    if (const std::string why = problem(output, format, true); !why.empty()) {
+    if (const std::string why = problem(output, format); !why.empty()) {
         Refuse("output", why);
     }
     return format;
