@@ -249,7 +249,7 @@ TEST_F(FailureTest, ASignalAtAnyMomentLeavesNoFile)
 {
     writeSequence("in.%d.png", 1, 40, 8, 8, 4, [](int, int, int, int) { return 50.0; });
     TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{}, [](int, int, int, int) { return 100; });
-    ASSERT_EQ(::mkfifo(path("fifo.png").c_str(), 0600), 0);
+    ASSERT_EQ(::mkfifo(path("fifo.ts").c_str(), 0600), 0);
     mInputs = files();
     const struct {
         const char* input;
@@ -272,18 +272,18 @@ TEST_F(FailureTest, ASignalAtAnyMomentLeavesNoFile)
         EXPECT_LT(logged("SmartRender"), 40) << "the render went on to the end";
     }
     {
-        SCOPED_TRACE("blocked opening an input that no one writes");
-        ToolProcess process(QUORVEX_TOOL_PATH, {"render", path("fifo.png"), path("out.png")}, {}, false);
-        // A writer gets in once the program reads; it then opens the file anew and waits there for the next.
+        SCOPED_TRACE("blocked reading an input whose writer sends nothing");
+        ToolProcess process(QUORVEX_TOOL_PATH, {"render", path("fifo.ts"), path("out.mkv")}, {}, false);
+        // A writer gets in once the program has the FIFO open; the program then waits for its first bytes.
         int writer = -1;
         for (int tries = 0; writer < 0 && tries < 1500; ++tries) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
-            writer = ::open(path("fifo.png").c_str(), O_WRONLY | O_NONBLOCK);
+            writer = ::open(path("fifo.ts").c_str(), O_WRONLY | O_NONBLOCK);
         }
         ASSERT_GE(writer, 0);
-        ::close(writer);
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         expectStopped(process, SIGTERM, "");
+        ::close(writer);
     }
     SCOPED_TRACE("a demo with its first clip done");
     const auto process =
@@ -291,7 +291,7 @@ TEST_F(FailureTest, ASignalAtAnyMomentLeavesNoFile)
     process->sendSignal(SIGTERM);
     ASSERT_TRUE(process->endsWithin(std::chrono::seconds(10)));
     EXPECT_EQ(process->wait().exitCode, 128 + SIGTERM);
-    EXPECT_TRUE(std::filesystem::is_empty(path("demo"))) << "the finished clip must go too";
+    EXPECT_FALSE(std::filesystem::exists(path("demo"))) << "the finished clip must go, and the folder made for it";
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "FrameRate.h"
 #include "FrameTimeline.h"
 #include "ImageSequencePattern.h"
+#include "OutputFolder.h"
 #include "PixelDepth.h"
 #include "RgbaFrame.h"
 #include "SinkFactory.h"
@@ -197,9 +198,10 @@ TEST_F(FolderTest, ASequenceIsTheFilesThePatternSpells)
 
 TEST_F(FolderTest, TheRegistryRemovesWhatASecondInterruptLeaves)
 {
-    // A second interrupt cannot wait for the outputs' own clean-up.
+    // A second interrupt cannot wait for the outputs' own clean-up; the folders made for them go too.
     AtomicOutputFile first(path("a.mp4"));
-    AtomicOutputFile second(path("b.mp4"));
+    OutputFolder made(path("made/deeper"));
+    AtomicOutputFile second(path("made/deeper/b.mp4"));
     ASSERT_EQ(files().size(), 2u) << "reserved at once";
     TemporaryFileRegistry::removeAll();
     EXPECT_TRUE(files().empty());

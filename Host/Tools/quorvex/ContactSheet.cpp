@@ -85,12 +85,10 @@ bool ContactSheet::drawText(int x, int y, const std::string& text)
     return OIIO::ImageBufAlgo::render_text(sheet, x, y, text, kFontSize, kFont, colour);
 }
 
-void ContactSheet::write(const std::string& path) const
+void ContactSheet::write(AtomicOutputFile& file) const
 {
-    const ImageFileWriter writer(path);
-    AtomicOutputFile output(path);
-    writer.write(mSheet, output.temporaryPath(), false);
-    output.commit();
+    const ImageFileWriter writer(file.target());
+    writer.write(mSheet, file, false);
 }
 
 }  // namespace Halvane::Quorvex::Tools

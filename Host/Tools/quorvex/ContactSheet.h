@@ -6,6 +6,8 @@
 
 namespace Halvane::Quorvex::Tools {
 
+class AtomicOutputFile;
+
 // A grid of sample frames in one picture, each over a grey checkerboard so
 // that transparency shows, with a gap between the cells, a label left of
 // each row and one above each column.
@@ -26,9 +28,9 @@ public:
     // cannot be found; the sheet is then left without the label.
     bool labelRow(int row, const std::string& text);
     bool labelColumn(int column, const std::string& text);
-    // Writes the sheet as an opaque 8-bit picture. Throws ToolError naming
-    // the path.
-    void write(const std::string& path) const;
+    // Writes the sheet, an opaque 8-bit picture, into `file` in the format
+    // its target names. Throws ToolError naming the target.
+    void write(AtomicOutputFile& file) const;
 
     const RgbaFrame& picture() const { return mSheet; }
     // Where a cell starts on the sheet.

@@ -8,6 +8,7 @@
 #include "FrameTimeline.h"
 #include "InterruptWatcher.h"
 #include "NumberText.h"
+#include "OutputFolder.h"
 #include "ProgressReporter.h"
 #include "RenderPipeline.h"
 #include "ToolError.h"
@@ -51,11 +52,7 @@ int DemoCommand::run()
 {
     InterruptWatcher interrupts;
     const std::filesystem::path folder(mFolder);
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (error) {
-        throw ToolError::runtime("cannot make the folder '" + mFolder + "': " + error.message());
-    }
+    OutputFolder made(mFolder);
 
     EffectHost effect(mModulePath, mVerbose);
     effect.setUp();
@@ -114,11 +111,12 @@ int DemoCommand::run()
     }
 
     staged.emplace_back((folder / "contact-sheet.png").string());
-    sheet.write(staged.back().temporaryPath());
+    sheet.write(staged.back());
     effect.setDown();
     for (AtomicOutputFile& file : staged) {
         file.commit();
     }
+    made.keep();
 
     if (!mQuiet) {
         std::cerr << "quorvex demo: wrote";

@@ -4,6 +4,7 @@
 #include "FrameConverter.h"
 #include "ModuleLocation.h"
 #include "NumberText.h"
+#include "OpenGLAvailability.h"
 
 #include "Runtime/EffectSession.h"
 #include "Runtime/HostError.h"
@@ -82,6 +83,12 @@ std::string EffectHost::about()
 void EffectHost::setUp()
 {
     if (const PF_Err status = mOutput.around([&] { return mSession->globalSetup(); })) {
+        // The module's own report of a missing OpenGL names EGL's calls; a
+        // user needs to hear that there is none, and what to install.
+        const std::string missingOpenGL = OpenGLAvailability::problem();
+        if (!missingOpenGL.empty()) {
+            throw ToolError::runtime(missingOpenGL);
+        }
         throw failure("GlobalSetup", status);
     }
     mSetUp = true;

@@ -1,6 +1,7 @@
 #include "ImageFileReader.h"
 
 #include "LibraryChatter.h"
+#include "PictureInput.h"
 #include "ToolError.h"
 
 #include <OpenImageIO/strutil.h>
@@ -80,11 +81,11 @@ ImageFileReader::ImageFileReader(const std::string& path) : mPath(path)
     OIIO::ImageSpec config;
     config.attribute("oiio:UnassociatedAlpha", 1);
     LibraryChatter chatter;
-    mInput = OIIO::ImageInput::open(path, &config);
+    std::string reason;
+    mInput = PictureInput::open(path, config, reason);
     const std::string libraries = chatter.finish();
     if (!mInput) {
         // OpenImageIO's later lines give advice about its own settings.
-        std::string reason = OIIO::geterror();
         const auto newline = reason.find('\n');
         if (newline != std::string::npos) {
             reason.resize(newline);
@@ -92,6 +93,9 @@ ImageFileReader::ImageFileReader(const std::string& path) : mPath(path)
         throw ToolError::runtime(
             "cannot read '" + path + "': " +
             LibraryChatter::oneLine(reason.empty() ? "not a picture file" : reason, libraries));
+    }
+    if (PictureInput::isCutShort(path, mInput->format_name())) {
+        throw ToolError::runtime("cannot read '" + path + "': the file is cut short");
     }
     mDepth = DepthOfType(mInput->spec().format);
     mChannels.emplace(mInput->spec(), path);
@@ -156,10 +160,7 @@ ImageFileReader::~ImageFileReader()
 
 bool ImageFileReader::isPictureFile(const std::string& path)
 {
-    const auto input = OIIO::ImageInput::create(path);
-    OIIO::geterror();  // a failed look-up leaves a message nobody needs
-    // Movies are the video reader's, whose reasons speak of streams.
-    return input && !IsFFmpegReader(*input) && input->valid_file(path);
+    return PictureInput::recognises(path);
 }
 
 OIIO::TypeDesc ImageFileReader::sampleTypeOf(PixelDepth depth)

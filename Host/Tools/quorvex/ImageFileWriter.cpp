@@ -1,5 +1,7 @@
 #include "ImageFileWriter.h"
 
+#include "AtomicOutputFile.h"
+#include "EncodedPicture.h"
 #include "ImageFileReader.h"
 #include "LibraryChatter.h"
 #include "ToolError.h"
@@ -37,7 +39,7 @@ bool ImageFileWriter::knowsExtension(const std::string& target)
     return !std::filesystem::path(target).extension().empty() && CreateOutput(target) != nullptr;
 }
 
-void ImageFileWriter::write(const RgbaFrame& frame, const std::string& path, bool halfFloat) const
+void ImageFileWriter::write(const RgbaFrame& frame, AtomicOutputFile& file, bool halfFloat) const
 {
     auto output = CreateOutput(mTarget);
     if (!output) {
@@ -79,7 +81,8 @@ void ImageFileWriter::write(const RgbaFrame& frame, const std::string& path, boo
         return ToolError::runtime("cannot write '" + mTarget +
                                   "': " + LibraryChatter::oneLine(reason, libraries));
     };
-    if (!output->open(path, spec)) {
+    const EncodedPicture encoded(*output, mTarget);
+    if (!output->open(encoded.openName(file.temporaryPath()), spec)) {
         throw fail(output->geterror());
     }
     const auto pixelStride =
@@ -95,6 +98,7 @@ void ImageFileWriter::write(const RgbaFrame& frame, const std::string& path, boo
     if (chatter) {
         chatter->finish();
     }
+    encoded.writeTo(file);
 }
 
 }  // namespace Halvane::Quorvex::Tools

@@ -8,9 +8,12 @@
 
 namespace Halvane::Quorvex::Tools {
 
+class AtomicOutputFile;
+
 // Writes pictures through OpenImageIO in the format that the target's
 // extension names. The samples keep the frame's depth where the format
-// holds it, else the deepest it holds (PictureFormat); alpha stays straight, except in formats that store colours
+// holds it, else the deepest it holds (PictureFormat); alpha stays straight,
+// except in formats that store colours
 // multiplied by alpha (OpenEXR), and is left out where the format has none.
 class ImageFileWriter {
 public:
@@ -23,11 +26,11 @@ public:
     // Where the pictures sit, for formats that record it.
     void setWindow(const PictureWindow& window) { mWindow = window; }
 
-    // Writes `frame` into `path` (a temporary beside the target) in the
-    // target's format, in the sample type PictureFormat chooses; float
-    // frames as half floats when `halfFloat` and the format has them.
+    // Writes `frame` into `file` in the target's format, in the sample type
+    // PictureFormat chooses; float frames as half floats when `halfFloat` and
+    // the format has them. Every byte goes through the file's checked writes.
     // Throws ToolError (runtime) naming the target.
-    void write(const RgbaFrame& frame, const std::string& path, bool halfFloat) const;
+    void write(const RgbaFrame& frame, AtomicOutputFile& file, bool halfFloat) const;
 
 private:
     std::string mTarget;

@@ -15,7 +15,11 @@ void ImageSequenceSink::write(const SourceFrame& frame)
     while (mFiles.size() <= frame.index) {
         mFiles.emplace_back(mPattern.pathOf(mFirstNumber + static_cast<long>(mFiles.size())));
     }
-    mWriter.write(frame.frame, mFiles[frame.index].temporaryPath(), mHalfFloat);
+    AtomicOutputFile& file = mFiles[frame.index];
+    mWriter.write(frame.frame, file, mHalfFloat);
+    // Closed now, not with the others at the end: a long sequence would
+    // run out of open files.
+    file.close();
 }
 
 void ImageSequenceSink::finish()

@@ -3,10 +3,12 @@
 #include "EffectHost.h"
 #include "EffectSettings.h"
 #include "FrameTimeline.h"
+#include "ImageSequencePattern.h"
 #include "InterruptWatcher.h"
 #include "NumberText.h"
 #include "ProgressReporter.h"
 #include "RenderPipeline.h"
+#include "SameFileGuard.h"
 #include "SinkFactory.h"
 #include "SourceFactory.h"
 #include "ToolError.h"
@@ -45,6 +47,23 @@ bool Reaches(const FrameTimeline& timeline, std::size_t frameCount, std::int64_t
         return true;
     } catch (const ToolError&) {
         return false;
+    }
+}
+
+void RefuseOutputThatIsAnInput(const std::string& input, bool sequenceInput,
+                               const SourceInfo& info, const std::string& output,
+                               bool sequenceOutput)
+{
+    SameFileGuard guard;
+    if (sequenceInput) {
+        guard.addInputs(ImageSequencePattern(input), info.firstNumber, info.frameCount.value_or(0));
+    } else {
+        guard.addInput(input);
+    }
+    if (sequenceOutput) {
+        guard.checkOutputs(ImageSequencePattern(output));
+    } else {
+        guard.checkOutput(output);
     }
 }
 
@@ -167,6 +186,8 @@ int RenderCommand::run()
         CheckLastFrameTime(timeline, info, nominalStep, mOptions);
     }
     const PixelDepth depth = chosenDepth.value_or(info.depth);
+    RefuseOutputThatIsAnInput(mOptions.input, sequenceInput, info, mOptions.output,
+                              outputKind == SinkFactory::Kind::Sequence);
 
     SinkFactory::Request request;
     request.kind = outputKind;

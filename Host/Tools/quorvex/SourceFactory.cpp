@@ -5,6 +5,7 @@
 #include "ImageFileReader.h"
 #include "ImageSequencePattern.h"
 #include "ImageSequenceSource.h"
+#include "InputFileCheck.h"
 #include "PageSource.h"
 #include "StillImageSource.h"
 #include "ToolError.h"
@@ -14,38 +15,15 @@ extern "C" {
 #include <libavformat/avformat.h>
 }
 
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
 #include <optional>
 #include <filesystem>
-#include <unistd.h>
 
 namespace Halvane::Quorvex::Tools {
 
 namespace {
 
-// The ways a path fails before any library looks at it, in plain words.
-void CheckReadableFile(const std::string& path)
-{
-    std::error_code error;
-    const auto status = std::filesystem::status(path, error);
-    if (!std::filesystem::exists(status)) {
-        throw ToolError::runtime("cannot read '" + path + "': no such file");
-    }
-    if (std::filesystem::is_directory(status)) {
-        throw ToolError::runtime("cannot read '" + path +
-                                 "': it is a folder, not a picture or video");
-    }
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) {
-        throw ToolError::runtime("cannot read '" + path + "': " + std::strerror(errno));
-    }
-    ::close(fd);
-}
-
-// Whether FFmpeg reads the file as a stream of pictures (an animated PNG, a
-// raw MJPEG stream, ...): a format that can hold several frames is a clip,
+// Whether FFmpeg reads the file as a stream of pictures (a video, an
+// animated PNG, a raw MJPEG stream, ...): a format that can hold several frames is a clip,
 // even where OpenImageIO reads its first picture alone. FFmpeg's readers of
 // single pictures are "image2" and the "..._pipe" ones.
 bool HoldsPictureStream(const std::string& path)
@@ -77,17 +55,22 @@ std::unique_ptr<FrameSource> SourceFactory::open(const std::string& path, const 
         return std::make_unique<ImageSequenceSource>(ImageSequencePattern(path), options.frames,
                                                      rate, options.startFrame);
     }
-    CheckReadableFile(path);
+    if (InputFileCheck::check(path) == InputFileCheck::Kind::Stream) {
+        return std::make_unique<VideoReader>(path, options.frames);
+    }
 
+    // FFmpeg decides first, so that OpenImageIO never opens a video.
     std::unique_ptr<ImageFileReader> picture;
     std::optional<ToolError> pictureFailure;
-    try {
-        picture = std::make_unique<ImageFileReader>(path);
-    } catch (const ToolError& error) {
-        // Not a picture; perhaps a video.
-        pictureFailure = error;
+    if (!HoldsPictureStream(path)) {
+        try {
+            picture = std::make_unique<ImageFileReader>(path);
+        } catch (const ToolError& error) {
+            // Not a picture; perhaps a video that FFmpeg can say more about.
+            pictureFailure = error;
+        }
     }
-    if (picture && !picture->isMovie() && !HoldsPictureStream(path)) {
+    if (picture && !picture->isMovie()) {
         FrameSizeCheck::check(path, picture->width(), picture->height(), picture->depth());
         if (picture->pageCount() > 1) {
             return std::make_unique<PageSource>(std::move(picture), options.frames, rate);
@@ -95,15 +78,12 @@ std::unique_ptr<FrameSource> SourceFactory::open(const std::string& path, const 
         return std::make_unique<StillImageSource>(path, std::move(picture), rate);
     }
     picture.reset();
-    try {
-        return std::make_unique<VideoReader>(path, options.frames);
-    } catch (const ToolError&) {
-        // A file that is plainly a picture failed for a reason of its own.
-        if (pictureFailure && ImageFileReader::isPictureFile(path)) {
-            throw *pictureFailure;
-        }
-        throw;
+    // A file that is plainly a picture failed for a reason of its own; FFmpeg
+    // would read what it could of it (a cut JPEG, grey at the bottom).
+    if (pictureFailure && ImageFileReader::isPictureFile(path)) {
+        throw *pictureFailure;
     }
+    return std::make_unique<VideoReader>(path, options.frames);
 }
 
 const VideoReader* SourceFactory::videoReaderOf(const FrameSource& source)

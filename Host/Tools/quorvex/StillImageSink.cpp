@@ -18,7 +18,7 @@ void StillImageSink::write(const SourceFrame& frame)
                                "' is a single picture but the input has more than one frame; "
                                "name an image sequence (frame.%04d.png) or a video instead");
     }
-    mWriter.write(frame.frame, mOutput.temporaryPath(), mHalfFloat);
+    mWriter.write(frame.frame, mOutput, mHalfFloat);
     mWritten = true;
 }
 

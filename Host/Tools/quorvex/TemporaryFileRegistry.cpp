@@ -1,5 +1,6 @@
 #include "TemporaryFileRegistry.h"
 
+#include <algorithm>
 #include <unistd.h>
 
 namespace Halvane::Quorvex::Tools {
@@ -28,6 +29,24 @@ void TemporaryFileRegistry::remove(const std::string& path)
     paths().erase(path);
 }
 
+std::vector<std::string>& TemporaryFileRegistry::folders()
+{
+    static std::vector<std::string> kFolders;
+    return kFolders;
+}
+
+void TemporaryFileRegistry::addFolder(const std::string& path)
+{
+    std::lock_guard<std::mutex> lock(mutex());
+    folders().push_back(path);
+}
+
+void TemporaryFileRegistry::removeFolder(const std::string& path)
+{
+    std::lock_guard<std::mutex> lock(mutex());
+    folders().erase(std::remove(folders().begin(), folders().end(), path), folders().end());
+}
+
 void TemporaryFileRegistry::removeAll()
 {
     std::lock_guard<std::mutex> lock(mutex());
@@ -35,6 +54,11 @@ void TemporaryFileRegistry::removeAll()
         ::unlink(path.c_str());
     }
     paths().clear();
+    // rmdir leaves a folder that holds anything.
+    for (auto folder = folders().rbegin(); folder != folders().rend(); ++folder) {
+        ::rmdir(folder->c_str());
+    }
+    folders().clear();
 }
 
 }  // namespace Halvane::Quorvex::Tools

@@ -146,6 +146,20 @@ ToolError VideoReader::tooShort() const
                               std::to_string(mRange->last()) + " reaches past its end");
 }
 
+void VideoReader::checkComplete() const
+{
+    // Containers with an index (MP4, QuickTime) say how many pictures the
+    // video holds; a file cut short ends before them, where a stream format
+    // (Matroska, MPEG-TS) just ends.
+    const std::int64_t listed = mFormat->streams[mStreamIndex]->nb_frames;
+    if (listed > 0 && mVideoPackets < listed) {
+        throw ToolError::runtime("cannot read '" + mPath + "': it ends after " +
+                                 std::to_string(mVideoPackets) + " of the " +
+                                 std::to_string(listed) +
+                                 " pictures its index lists (the file is cut short)");
+    }
+}
+
 VideoReader::~VideoReader()
 {
     release();
@@ -201,6 +215,7 @@ bool VideoReader::pump()
     }
     const int error = av_read_frame(mFormat, mPacket);
     if (error == AVERROR_EOF) {
+        checkComplete();
         mEndOfFile = true;
         avcodec_send_packet(mDecoder, nullptr);
         receiveFrames();
@@ -211,6 +226,7 @@ bool VideoReader::pump()
         throw failure("cannot read", error);
     }
     if (mPacket->stream_index == mStreamIndex) {
+        ++mVideoPackets;
         if (mEnd) {
             // Past the range: nothing more of the video is needed.
             av_packet_unref(mPacket);

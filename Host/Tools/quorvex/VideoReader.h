@@ -64,6 +64,8 @@ private:
     std::int64_t videoTimeOf(const AVPacket& packet) const;
     bool doneReading() const;
     ToolError tooShort() const;
+    // Throws where the file ended before the pictures its index lists.
+    void checkComplete() const;
     RgbaFrame convert(const AVFrame& frame);
     ToolError failure(const std::string& what, int error) const;
 
@@ -88,6 +90,7 @@ private:
     std::optional<std::int64_t> mOrigin;  // the first delivered picture's
     std::optional<std::int64_t> mEnd;     // the range's end, once known
     std::size_t mDecoded = 0;
+    std::int64_t mVideoPackets = 0;  // read from the file, to hold against its index
     std::size_t mDelivered = 0;
     std::deque<PipelineItem> mPending;
     std::deque<PassThroughPacket> mHeld;

@@ -1,5 +1,6 @@
 #include "AvErrorText.h"
 #include "DemoCommand.h"
+#include "FileSizeLimit.h"
 #include "FrameMemory.h"
 #include "InfoCommand.h"
 #include "ModuleLocation.h"
@@ -25,6 +26,10 @@ int main(int argc, char** argv)
     // reason to die; commands that make files stop through their
     // InterruptWatcher.
     std::signal(SIGPIPE, SIG_IGN);
+    // Likewise a write past the file size limit (ulimit -f): it fails with
+    // "File too large" and the output is discarded, instead of a core dump
+    // beside a half-written temporary file.
+    FileSizeLimit::watch();
 
     CLI::App app{
         "quorvex: applies the Quorvex glitch effect to pictures, image sequences and video",
