@@ -8,7 +8,7 @@
 # Usage: scripts/bench-compare.sh BEFORE.so [AFTER.so ...]   (after: build-release/bin/Quorvex.so)
 # Environment: ROUNDS (default 2), CASES (an extended regex of case names).
 # Build the release first (scripts/bench.sh builds it). On two quiet cores
-# the six cases take about 15 s per module and round.
+# the six cases should take about 20 s per module and round.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 if (($# < 1)); then

@@ -1,21 +1,74 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building and testing Quorvex need.
+# Installs the Debian packages that Quorvex needs.
+# Usage: scripts/install-deps.sh [runtime|package|test]
+#   runtime  what building and running the program, the module and the
+#            frei0r plug-in need (scripts/demo.sh)
+#   package  that, and what building the Debian package needs
+#   test     all of that, and what the tests, the sanitized build, the
+#            fuzzers and the benchmarks need (the default)
 # Runs as root on Debian 12; packages already present are left alone, so a
 # second run costs one dpkg query.
 set -euo pipefail
 
-packages=(
-  cmake g++ make pkg-config
-  libglbinding-dev libegl-dev libegl-mesa0 libgl1-mesa-dri libgl-dev libopengl-dev
-  libgtest-dev libgmock-dev libbenchmark-dev
-  libopenimageio-dev openimageio-tools
-  libavformat-dev libavcodec-dev libswscale-dev libavutil-dev libswresample-dev
+set_name=${1:-test}
+
+# One package a line, each in the first set that needs it.
+runtime_packages=(
+  cmake
+  g++
+  make
+  pkg-config
+  libglbinding-dev
+  libegl-dev
+  libegl-mesa0
+  libgl1-mesa-dri
+  libgl-dev
+  libopengl-dev
+  libopenimageio-dev
+  libavformat-dev
+  libavcodec-dev
+  libswscale-dev
+  libavutil-dev
+  libswresample-dev
   libcli11-dev
-  ffmpeg melt gstreamer1.0-tools gstreamer1.0-plugins-good gstreamer1.0-plugins-bad
-  gstreamer1.0-libav frei0r-plugins-dev frei0r-plugins
-  parallel fonts-dejavu-core
-  clang libclang-rt-14-dev
+  frei0r-plugins-dev
+  fonts-dejavu-core
 )
+package_packages=(
+  dpkg-dev
+  file
+)
+test_packages=(
+  libgtest-dev
+  libgmock-dev
+  libbenchmark-dev
+  openimageio-tools
+  ffmpeg
+  melt
+  gstreamer1.0-tools
+  gstreamer1.0-plugins-good
+  gstreamer1.0-plugins-bad
+  gstreamer1.0-libav
+  frei0r-plugins
+  parallel
+  clang
+  libclang-rt-14-dev
+  kdenlive
+  shotcut
+  xvfb
+  xdotool
+  qtdeclarative5-dev-tools
+)
+
+case "$set_name" in
+  runtime) packages=("${runtime_packages[@]}") ;;
+  package) packages=("${runtime_packages[@]}" "${package_packages[@]}") ;;
+  test) packages=("${runtime_packages[@]}" "${package_packages[@]}" "${test_packages[@]}") ;;
+  *)
+    echo "install-deps: unknown package set '$set_name' (expected runtime, package or test)" >&2
+    exit 2
+    ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do

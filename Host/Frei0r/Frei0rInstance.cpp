@@ -8,10 +8,16 @@
 
 namespace Halvane::Quorvex::Frei0r {
 
+static_assert(Host::TimeSeed::kSecondsPerStep == 60, "the Seed's explanation names its step");
+
 const Frei0rInstance::ParameterInfo Frei0rInstance::kParameters[kParameterCount] = {
     {"Glitch Type", "Below 0.5 Block Glitch, 0.5 and above Bad TV", 0.0},
     {"Speed", "0 to 1, mapped linearly onto the effect's Speed of 0 to 3 (1/3 is Speed 1)",
      1.0 / 3.0},
+    {"Seed",
+     "0 to 1 onto seeds 0 to 999 (seed = 999 x value, rounded); each seed is another repeatable "
+     "glitch, its time moved by 60 s a step",
+     0.0},
 };
 
 Frei0rInstance::Frei0rInstance(unsigned width, unsigned height, HostClock clock)
@@ -27,7 +33,7 @@ void Frei0rInstance::setParameter(int index, double value)
     if (index < 0 || index >= kParameterCount || std::isnan(value)) {
         return;
     }
-    mValues[index] = index == kSpeed ? std::clamp(value, 0.0, 1.0) : value;
+    mValues[index] = index == kGlitchType ? value : std::clamp(value, 0.0, 1.0);
 }
 
 double Frei0rInstance::parameter(int index) const
@@ -47,6 +53,9 @@ void Frei0rInstance::update(double time, const std::uint32_t* input, std::uint32
 {
     SharedEffect& effect = SharedEffect::process();
     std::optional<Host::FrameTime> frameTime = mClock.frameTime(time);
+    if (frameTime) {
+        frameTime = seed().shift(*frameTime);
+    }
     if (!frameTime) {
         // ffmpeg 5.1 loses a frame's time when it copies the frame for the
         // plug-in, which it does when the frame's rows are not laid out as

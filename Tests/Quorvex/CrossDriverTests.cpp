@@ -200,6 +200,10 @@ TEST_F(CrossDriverTest, FramesAgreeWithSoftpipe)
         return;
     }
 
+    if (here.renderer.find("softpipe") != std::string::npos) {
+        GTEST_SKIP() << "this process draws on softpipe itself (GALLIUM_DRIVER): there is no second driver";
+    }
+
     char frames[] = "/tmp/quorvex-cross-driver-XXXXXX";
     const int descriptor = mkstemp(frames);
     ASSERT_GE(descriptor, 0) << "cannot make a temporary file";

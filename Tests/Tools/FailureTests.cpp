@@ -125,7 +125,10 @@ TEST_F(FailureTest, OptionValuesThatMakeNoSense)
     expectFailure(with({"--speed", "3.01"}), 2, {"--speed: 3.01 is outside the valid range of Speed, 0 to 3"});
     expectFailure(with({"--speed", "0:1,1:-1"}), 2, {"-1 is outside"});
     expectFailure(with({"--time", "soon"}), 2, {"--time", "'soon'"});
-    for (const char* option : {"--speed", "--glitch", "--time"}) {
+    for (const char* seed : {"1000", "-1", "2.5", "lucky"}) {
+        expectFailure(with({"--seed", seed}), 2, {"--seed: '" + std::string(seed) + "'", "0 to 999"});
+    }
+    for (const char* option : {"--speed", "--glitch", "--time", "--seed"}) {
         expectFailure(with({option, ""}), 2, {option, "no value"});
     }
     expectFailure(with({"--time-offset", "1"}), 2, {"--time-offset", "single picture"});
@@ -163,7 +166,7 @@ TEST_F(FailureTest, OutputsThatCannotBeWritten)
     // Encoders and containers that refuse: the output, the setting and the library's reason.
     expectFailure({"render", path("in.png"), path("out.mov"), "--codec", "dnxhd"}, 1,
                   {"out.mov", "dnxhd", "DNxHD"});
-    expectFailure({"render", path("in.png"), path("out.y4m")}, 1, {"out.y4m", "yuv4mpeg"});
+    expectFailure({"render", path("in.png"), path("out.gxf")}, 1, {"out.gxf", "gxf muxer only accepts"});
     expectFailure({"render", path("in.png"), path("out.mp3")}, 2, {"'.mp3'"});
     if (::geteuid() != 0) {
         ::mkdir(path("locked").c_str(), 0555);

@@ -3,6 +3,8 @@
 #include "FakeEffectFormula.h"
 #include "Tools/Support/ToolTest.h"
 
+#include "Runtime/TimeSeed.h"
+
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -160,21 +162,32 @@ TEST_F(PictureRenderTest, DepthOptionGreyWithoutAlphaAndJpegWithout)
 TEST_F(PictureRenderTest, SpeedMovesLinearlyAndGlitchTypeHoldsUntilTheNextKeyframe)
 {
     writeSequence("in.%d.png", 0, 8, 2, 1, 4, [](int, int, int, int c) { return 20.0 + c * 30; });
-    ASSERT_TRUE(Succeeded(runFake({"render", path("in.%d.png"), path("out.%d.png"), "--fps", "4",
-                                   "--speed", "0:0.5, 2:2.5", "--glitch", "1:badtv,0:block"})));
-    // At 4 fps frame n is at n/4 s: Speed is 0.5 + t up to 2 s, then 2.5; Glitch Type holds from its keyframe.
-    const struct {
-        int frame;
-        float speed;
-        int glitchType;
-    } frames[] = {{0, 0.5f, 1}, {3, 1.25f, 1}, {4, 1.5f, 2}, {8, 2.5f, 2}};
-    const PF_Pixel8 in{110, 20, 50, 80};
-    for (const auto& f : frames) {
-        const PictureFile out = picture("out." + std::to_string(f.frame) + ".png");
-        const PF_Pixel8 expected = FakeEffectFormula::Apply(
-            in, f.glitchType, FakeEffectFormula::TimeStep(f.frame, 4, f.speed));
-        EXPECT_EQ(out.at(1, 0, 1), expected.green) << "Glitch Type at frame " << f.frame;
-        EXPECT_EQ(out.at(1, 0, 2), expected.blue) << "Speed at frame " << f.frame;
+    // A seed moves the effect's time by whole steps and the keyframes with it.
+    for (const int seed : {0, 3}) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        const std::string out = "out-" + std::to_string(seed);
+        std::vector<std::string> arguments{"render", path("in.%d.png"), path(out + ".%d.png"), "--fps", "4", "--speed",
+                                           "0:0.5, 2:2.5", "--glitch", "1:badtv,0:block"};
+        if (seed != 0) {
+            arguments.insert(arguments.end(), {"--seed", std::to_string(seed)});
+        }
+        ASSERT_TRUE(Succeeded(runFake(arguments)));
+        // At 4 fps frame n is at n/4 s: Speed is 0.5 + t up to 2 s, then 2.5; Glitch Type holds from its
+        // keyframe.
+        const struct {
+            int frame;
+            float speed;
+            int glitchType;
+        } frames[] = {{0, 0.5f, 1}, {3, 1.25f, 1}, {4, 1.5f, 2}, {8, 2.5f, 2}};
+        const PF_Pixel8 in{110, 20, 50, 80};
+        const int movedQuarters = 4 * Host::TimeSeed::kSecondsPerStep * seed;
+        for (const auto& f : frames) {
+            const PictureFile picture = this->picture(out + "." + std::to_string(f.frame) + ".png");
+            const PF_Pixel8 expected = FakeEffectFormula::Apply(
+                in, f.glitchType, FakeEffectFormula::TimeStep(f.frame + movedQuarters, 4, f.speed));
+            EXPECT_EQ(picture.at(1, 0, 1), expected.green) << "Glitch Type at frame " << f.frame;
+            EXPECT_EQ(picture.at(1, 0, 2), expected.blue) << "Speed at frame " << f.frame;
+        }
     }
 }
 

@@ -125,6 +125,23 @@ TEST(OutputChoiceTest, ExtensionsChooseTheKindAndTheCodec)
     EXPECT_THROW(VideoEncoderChoice::choose("a.mp4", "ffv1"), ToolError) << "MP4 cannot hold FFV1";
 }
 
+TEST(OutputChoiceTest, EncodersThatStateTheirRateAsTheClockCountOneTickAFrameAtARateTheyTake)
+{
+    const auto clock = [](const char* target, const char* codec, long numerator, long denominator) {
+        const VideoEncoderChoice::Clock chosen =
+            VideoEncoderChoice::choose(target, codec).clockFor(FrameRate(numerator, denominator), {1, 12000});
+        return std::vector<int>{chosen.rate.num, chosen.rate.den, chosen.timeBase.num, chosen.timeBase.den};
+    };
+    // MPEG-1's standard rates start at 23.976; MPEG-2 reaches 12 and 1000/1001 multiples of its own.
+    EXPECT_EQ(clock("a.mpg", "", 12, 1), (std::vector<int>{24000, 1001, 1001, 24000}));
+    EXPECT_EQ(clock("a.ts", "", 12, 1), (std::vector<int>{12, 1, 1, 12}));
+    EXPECT_EQ(clock("a.ts", "", 30000, 1001), (std::vector<int>{30000, 1001, 1001, 30000}));
+    EXPECT_EQ(clock("a.ts", "", 1000, 1), (std::vector<int>{240, 1, 1, 240})) << "the fastest MPEG-2 takes";
+    EXPECT_EQ(clock("a.ogv", "", 12, 1), (std::vector<int>{12, 1, 1, 12}));
+    EXPECT_EQ(clock("a.y4m", "", 25, 1), (std::vector<int>{25, 1, 1, 25}));
+    EXPECT_EQ(clock("a.mp4", "", 12, 1), (std::vector<int>{12, 1, 1, 12000})) << "others keep the fine clock";
+}
+
 TEST(FrameConverterTest, EverySixteenBitValueSurvivesTheTripBetweenFileAndHost)
 {
     for (unsigned host = 0; host <= 32768; ++host) {

@@ -13,6 +13,9 @@
 
 #include <algorithm>
 #include <iostream>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace Halvane::Quorvex::Tools {
 
@@ -87,9 +90,17 @@ void EffectHost::setUp()
     }
 }
 
-void EffectHost::apply(const EffectSettings& settings)
+void EffectHost::apply(const EffectSettings& settings, Host::TimeSeed seed)
 {
     settings.applyTo(*mRuntime);
+    mSeed = seed;
+    for (Host::ParameterTrack& track : mRuntime->parameters()) {
+        std::vector<Host::ParameterTrack::Keyframe> keyframes = track.keyframes();
+        for (Host::ParameterTrack::Keyframe& keyframe : keyframes) {
+            keyframe.seconds += static_cast<double>(seed.offsetSeconds());
+        }
+        track.setKeyframes(std::move(keyframes));
+    }
 }
 
 RgbaFrame EffectHost::render(const RgbaFrame& input, PixelDepth depth, const Host::FrameTime& time,
@@ -105,10 +116,16 @@ RgbaFrame EffectHost::render(const RgbaFrame& input, PixelDepth depth, const Hos
             throw ToolError::runtime(error.what());
         }
     }
+    const std::optional<Host::FrameTime> seededTime = mSeed.shift(time);
+    if (!seededTime) {
+        throw ToolError::runtime(label + " at " + FormatNumber(time.seconds()) + " s with seed " +
+                                 std::to_string(mSeed.number()) +
+                                 " lies beyond the time a host can state");
+    }
     FrameConverter::toWorld(input, *mInputWorld);
     mOutputWorld->clear();
     if (const PF_Err status = mOutput.around(
-            [&] { return mSession->renderFrame(*mInputWorld, *mOutputWorld, time); })) {
+            [&] { return mSession->renderFrame(*mInputWorld, *mOutputWorld, *seededTime); })) {
         throw failure("to render " + label + " (" + std::to_string(input.width()) + "x" +
                           std::to_string(input.height()) + ", " + DepthName(depth) + ", at " +
                           FormatNumber(time.seconds()) + " s)",

@@ -6,6 +6,7 @@
 #include "ToolError.h"
 
 #include "Runtime/FrameTime.h"
+#include "Runtime/TimeSeed.h"
 
 #include <memory>
 #include <string>
@@ -44,7 +45,9 @@ public:
     std::string about();
     // GlobalSetup, then ParamsSetup.
     void setUp();
-    void apply(const EffectSettings& settings);
+    // Sets the parameters; a seed moves the time of every frame rendered
+    // after, and the parameters' keyframes with it, as a host moves a layer.
+    void apply(const EffectSettings& settings, Host::TimeSeed seed = {});
     // Renders one frame at `depth` (the input is converted to it) and
     // returns the output at that depth. `label` names the frame in messages.
     RgbaFrame render(const RgbaFrame& input, PixelDepth depth, const Host::FrameTime& time,
@@ -67,6 +70,7 @@ private:
     std::unique_ptr<Host::EffectSession> mSession;
     std::unique_ptr<Host::World> mInputWorld;
     std::unique_ptr<Host::World> mOutputWorld;
+    Host::TimeSeed mSeed;
     bool mSetUp = false;
 };
 

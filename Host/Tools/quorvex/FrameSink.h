@@ -2,6 +2,8 @@
 
 #include "PipelineItem.h"
 
+#include <string>
+
 namespace Halvane::Quorvex::Tools {
 
 // Where rendered pictures go: a still, an image sequence or a video. The
@@ -16,6 +18,8 @@ public:
     // drop it.
     virtual void pass(PassThroughPacket& packet) { (void)packet; }
     virtual void finish() = 0;
+    // What the user should know about the finished output, or empty.
+    virtual std::string summary() const { return {}; }
 };
 
 }  // namespace Halvane::Quorvex::Tools

@@ -6,11 +6,16 @@ namespace Halvane::Quorvex::Tools {
 
 std::string DefaultModulePath()
 {
+    constexpr const char* kModuleName = "Quorvex.so";
     std::error_code error;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
     const std::filesystem::path folder =
         error ? std::filesystem::current_path() : program.parent_path();
-    return (folder / "Quorvex.so").string();
+    const std::filesystem::path beside = folder / kModuleName;
+    if (std::filesystem::exists(beside, error)) {
+        return beside.string();
+    }
+    return (folder / QUORVEX_INSTALLED_MODULE_FOLDER / kModuleName).lexically_normal().string();
 }
 
 std::string LoadableModulePath(const std::string& modulePath)

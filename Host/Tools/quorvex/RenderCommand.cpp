@@ -12,6 +12,8 @@
 #include "ToolError.h"
 #include "VideoEncoderChoice.h"
 
+#include "Runtime/TimeSeed.h"
+
 extern "C" {
 #include <libavutil/mathematics.h>
 }
@@ -50,6 +52,17 @@ void CheckLastFrameTime(const FrameTimeline& timeline, std::size_t frameCount,
     }
 }
 
+Host::TimeSeed SeedOption(const std::string& text)
+{
+    long number = 0;
+    if (!text.empty() &&
+        (!ParseInteger(text, number) || number < 0 || number > Host::TimeSeed::kLargest)) {
+        throw ToolError::usage("--seed: '" + text + "' is not a seed (a whole number from 0 to " +
+                               std::to_string(Host::TimeSeed::kLargest) + ")");
+    }
+    return Host::TimeSeed(static_cast<int>(number));
+}
+
 }  // namespace
 
 RenderCommand::RenderCommand(Options options) : mOptions(std::move(options))
@@ -63,6 +76,7 @@ int RenderCommand::run()
 
     // What the user typed, checked before any file is touched.
     const EffectSettings settings = EffectSettings::parse(mOptions.glitch, mOptions.speed);
+    const Host::TimeSeed seed = SeedOption(mOptions.seed);
     const std::optional<PixelDepth> chosenDepth = ParseDepthOption(mOptions.depth);
     const std::optional<double> time = SecondsOption("--time", mOptions.time);
     const std::optional<double> timeOffset = SecondsOption("--time-offset", mOptions.timeOffset);
@@ -151,13 +165,16 @@ int RenderCommand::run()
 
     EffectHost effect(mOptions.modulePath, mOptions.verbose);
     effect.setUp();
-    effect.apply(settings);
+    effect.apply(settings, seed);
 
     ProgressReporter progress(ProgressReporter::styleFor(mOptions.quiet),
                               std::filesystem::path(mOptions.output).filename().string(),
                               info.frameCount, std::cerr);
     RenderPipeline pipeline(*source, *sink, effect, depth, timeline, progress, interrupts);
     pipeline.run();
+    if (const std::string summary = sink->summary(); !summary.empty() && !mOptions.quiet) {
+        std::cerr << "quorvex: note: " << summary << "\n";
+    }
     effect.setDown();
     return 0;
 }

@@ -16,6 +16,7 @@ public:
         std::string modulePath;
         std::string glitch;
         std::string speed;
+        std::string seed;
         std::string time;
         std::string timeOffset;
         std::string frames;

@@ -58,6 +58,34 @@ bool Offers(const AVCodec* codec, AVPixelFormat format)
     return false;
 }
 
+// For lossy codecs, 4:2:0 as players expect it: with alpha where the codec
+// carries it (VP9), 10-bit for deep frames where it has that; NONE where the
+// codec offers no 4:2:0.
+AVPixelFormat FormatPlayersShow(const AVCodec& codec, bool deep, bool hasAlpha)
+{
+    const AVCodecDescriptor* descriptor = avcodec_descriptor_get(codec.id);
+    if (!descriptor || !(descriptor->props & AV_CODEC_PROP_LOSSY)) {
+        return AV_PIX_FMT_NONE;
+    }
+    std::vector<AVPixelFormat> wanted;
+    if (hasAlpha) {
+        if (deep) {
+            wanted.push_back(AV_PIX_FMT_YUVA420P10LE);
+        }
+        wanted.push_back(AV_PIX_FMT_YUVA420P);
+    }
+    if (deep) {
+        wanted.push_back(AV_PIX_FMT_YUV420P10LE);
+    }
+    wanted.insert(wanted.end(), {AV_PIX_FMT_YUV420P, AV_PIX_FMT_YUVJ420P});
+    for (const AVPixelFormat format : wanted) {
+        if (Offers(&codec, format)) {
+            return format;
+        }
+    }
+    return AV_PIX_FMT_NONE;
+}
+
 // Audio files (.mp3, .flac) name a picture codec for cover art, not video.
 bool HoldsCoverArtOnly(const AVOutputFormat& format)
 {
@@ -122,7 +150,14 @@ void VideoEncoderChoice::fitTo(int width, int height, PixelDepth depth, bool has
     const std::string encoder = mCodec->name;
     const bool deep = depth != PixelDepth::Eight;
     const bool odd = width % 2 != 0 || height % 2 != 0;
-    if (encoder == "libx264" || (encoder == "libx265" && deep)) {
+    const bool pipe = std::string(mContainer->name) == "yuv4mpegpipe";
+    if (pipe) {
+        // The plainest form, which every reader of the pipe format takes.
+        mPixelFormat = AV_PIX_FMT_YUV420P;
+        if (deep) {
+            mNote = ".y4m video is written 8-bit 4:2:0, the form every reader takes";
+        }
+    } else if (encoder == "libx264" || encoder == "libx265") {
         // 4:2:0 needs even sizes; odd ones keep every chroma sample. Deep
         // frames get 10 bits where this build of the encoder has them.
         const bool tenBits =
@@ -147,6 +182,9 @@ void VideoEncoderChoice::fitTo(int width, int height, PixelDepth depth, bool has
         mPixelFormat = hasAlpha ? (deep ? AV_PIX_FMT_GBRAP16LE : AV_PIX_FMT_BGRA)
                                 : (deep ? AV_PIX_FMT_GBRP16LE : AV_PIX_FMT_BGR0);
         mOptions = {{"level", "3"}, {"slicecrc", "1"}};
+    } else if (const AVPixelFormat shown = FormatPlayersShow(*mCodec, deep, hasAlpha);
+               shown != AV_PIX_FMT_NONE) {
+        mPixelFormat = shown;
     } else {
         const AVPixelFormat source = deep ? AV_PIX_FMT_RGBA64 : AV_PIX_FMT_RGBA;
         mPixelFormat = mCodec->pix_fmts ? avcodec_find_best_pix_fmt_of_list(
@@ -159,9 +197,34 @@ void VideoEncoderChoice::fitTo(int width, int height, PixelDepth depth, bool has
     }
     const AVPixFmtDescriptor* chosen = av_pix_fmt_desc_get(mPixelFormat);
     if (hasAlpha && chosen && !(chosen->flags & AV_PIX_FMT_FLAG_ALPHA)) {
-        mNote = (mNote.empty() ? "" : mNote + "; ") + std::string(mCodec->name) +
-                " video keeps no alpha: .mov (ProRes 4444) and .mkv (FFV1) do";
+        mNote = (mNote.empty() ? "" : mNote + "; ") +
+                (pipe ? std::string(".y4m") : std::string(mCodec->name) + " video") +
+                " keeps no alpha: .mov (ProRes 4444), .mkv (FFV1) and .webm (VP9) do";
     }
+}
+
+VideoEncoderChoice::Clock VideoEncoderChoice::clockFor(const FrameRate& rate,
+                                                      AVRational timeBase) const
+{
+    Clock clock{AVRational{static_cast<int>(rate.numerator()), static_cast<int>(rate.denominator())},
+                timeBase};
+    if (const AVRational* rates = mCodec->supported_framerates) {
+        // Past its first eight, MPEG-1's list holds rates that only
+        // unofficial streams have (12, 15 fps), which its encoder refuses.
+        std::vector<AVRational> offered;
+        for (const AVRational* offer = rates; offer->num != 0; ++offer) {
+            offered.push_back(*offer);
+        }
+        if (mCodec->id == AV_CODEC_ID_MPEG1VIDEO && offered.size() > 8) {
+            offered.resize(8);
+        }
+        offered.push_back(AVRational{0, 0});
+        clock.rate = offered[static_cast<std::size_t>(av_find_nearest_q_idx(clock.rate, offered.data()))];
+        clock.timeBase = av_inv_q(clock.rate);
+    } else if (std::string(mContainer->name) == "yuv4mpegpipe" || mCodec->id == AV_CODEC_ID_THEORA) {
+        clock.timeBase = av_inv_q(clock.rate);
+    }
+    return clock;
 }
 
 bool VideoEncoderChoice::isYuv() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FrameRate.h"
 #include "PixelDepth.h"
 
 extern "C" {
@@ -16,9 +17,11 @@ namespace Halvane::Quorvex::Tools {
 // How a video output is encoded. The extension picks the container and, by
 // default, the codec: .mp4 H.264 (libx264, 4:2:0, or 4:4:4 where the size
 // is odd), .mov ProRes 4444 with alpha (10 bits), .mkv FFV1 (lossless,
-// alpha kept); other containers take FFmpeg's default codec. --codec names
-// another encoder. Frames deeper than 8 bits get the encoder's deepest
-// matching format: 10-bit libx264 and libx265, 16-bit FFV1.
+// alpha kept), .y4m plain 8-bit 4:2:0; other containers take FFmpeg's
+// default codec. --codec names another encoder. Lossy codecs get 4:2:0,
+// which players show (VP9 with alpha where the frames have it). Frames
+// deeper than 8 bits get the encoder's deepest matching format: 10-bit
+// libx264, libx265, VP9 and AV1, 16-bit FFV1.
 class VideoEncoderChoice {
 public:
     // Whether the path names a video file to write: FFmpeg has a container
@@ -33,6 +36,17 @@ public:
     // Settles the pixel format and the encoder's options for pictures of
     // this size, depth and alpha.
     void fitTo(int width, int height, PixelDepth depth, bool hasAlpha);
+
+    // The rate the encoder states and the clock its frames' timestamps
+    // count in, for frames at `rate` timed in `timeBase`: those two where it
+    // takes them. Encoders with a fixed set of rates (MPEG-1, MPEG-2) get the
+    // nearest they take, as ffmpeg gives them, and they, Theora and .y4m
+    // count one tick a frame, for their headers state the tick as the rate.
+    struct Clock {
+        AVRational rate;
+        AVRational timeBase;
+    };
+    Clock clockFor(const FrameRate& rate, AVRational timeBase) const;
 
     const AVOutputFormat* container() const { return mContainer; }
     const AVCodec* codec() const { return mCodec; }

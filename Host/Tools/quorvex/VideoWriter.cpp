@@ -1,6 +1,8 @@
 #include "VideoWriter.h"
 
+#include "AudioTranscoder.h"
 #include "AvErrorText.h"
+#include "ContainerCodecs.h"
 #include "VideoEncoderChoice.h"
 #include "VideoReader.h"
 
@@ -22,6 +24,12 @@ namespace {
 
 constexpr int kScaleFlags =
     SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP;
+
+bool IsInterlaced(AVFieldOrder order)
+{
+    return order == AV_FIELD_TT || order == AV_FIELD_BB || order == AV_FIELD_TB ||
+           order == AV_FIELD_BT;
+}
 
 bool IsQuickTimeFamily(const AVOutputFormat& container)
 {
@@ -133,11 +141,12 @@ void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copy
     }
     mEncoder->width = mSettings.width;
     mEncoder->height = mSettings.height;
-    mEncoder->time_base = mSettings.timeBase;
-    mEncoder->framerate = AVRational{static_cast<int>(mSettings.rate.numerator()),
-                                     static_cast<int>(mSettings.rate.denominator())};
+    const VideoEncoderChoice::Clock clock = choice.clockFor(mSettings.rate, mSettings.timeBase);
+    const AVRational rate = clock.rate;
+    mEncoder->time_base = clock.timeBase;
+    mEncoder->framerate = rate;
     mNominalDuration =
-        std::max<std::int64_t>(1, av_rescale_q(1, mSettings.rate.frameDuration(), mSettings.timeBase));
+        std::max<std::int64_t>(1, av_rescale_q(1, av_inv_q(rate), mEncoder->time_base));
     mEncoder->pix_fmt = choice.pixelFormat();
     mEncoder->sample_aspect_ratio = AVRational{1, 1};
     mEncoder->thread_count = 0;
@@ -154,6 +163,12 @@ void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copy
     }
     if (mFormat->oformat->flags & AVFMT_GLOBALHEADER) {
         mEncoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    }
+    if (input && IsInterlaced(input->field_order)) {
+        // Fields stay fields: encoders that code them apart do so, and the
+        // order is stated for players to weave them in.
+        mEncoder->field_order = input->field_order;
+        mEncoder->flags |= AV_CODEC_FLAG_INTERLACED_DCT | AV_CODEC_FLAG_INTERLACED_ME;
     }
     AVDictionary* options = nullptr;
     for (const auto& [name, value] : choice.options()) {
@@ -198,6 +213,18 @@ void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copy
     if (error < 0) {
         throw failure("write", error);
     }
+    // The muxer has settled each stream's clock.
+    const bool strict = !(mFormat->oformat->flags & AVFMT_TS_NONSTRICT);
+    mVideoTimes.emplace(TimestampFixer::Clocks{mEncoder->time_base, true, mStream->time_base, strict},
+                        mNominalDuration);
+    mCopiedTimes.resize(mFormat->nb_streams);
+    for (unsigned i = 0; i < mFormat->nb_streams; ++i) {
+        if (static_cast<int>(i) != mStream->index) {
+            const AVRational unit = mFormat->streams[i]->time_base;
+            mCopiedTimes[i].emplace(TimestampFixer::Clocks{unit, strict, unit, strict},
+                                    av_rescale_q(1, av_inv_q(mEncoder->framerate), unit));
+        }
+    }
 
     mFrame = av_frame_alloc();
     mPacket = av_packet_alloc();
@@ -207,6 +234,11 @@ void VideoWriter::open(const VideoEncoderChoice& choice, const VideoReader* copy
     mFrame->format = mEncoder->pix_fmt;
     mFrame->width = mSettings.width;
     mFrame->height = mSettings.height;
+    if (IsInterlaced(mEncoder->field_order)) {
+        mFrame->interlaced_frame = 1;
+        mFrame->top_field_first =
+            mEncoder->field_order == AV_FIELD_TT || mEncoder->field_order == AV_FIELD_TB;
+    }
     error = av_frame_get_buffer(mFrame, 0);
     if (error < 0) {
         throw failure("write", error);
@@ -261,7 +293,11 @@ void VideoWriter::copyStreams(const VideoReader& reader, std::ostream* notes)
             continue;
         }
         const AVCodecID codec = source->codecpar->codec_id;
-        if (avformat_query_codec(mFormat->oformat, codec, FF_COMPLIANCE_NORMAL) == 0) {
+        const bool held = ContainerCodecs::holds(*mFormat->oformat, *source->codecpar);
+        const AVCodecID usual = source->codecpar->codec_type == AVMEDIA_TYPE_AUDIO
+                                    ? ContainerCodecs::usualAudio(*mFormat->oformat)
+                                    : AV_CODEC_ID_NONE;
+        if (!held && usual == AV_CODEC_ID_NONE) {
             if (notes) {
                 *notes << "quorvex: note: stream " << i << " (" << avcodec_get_name(codec)
                        << ") of '" << reader.info().name << "' cannot be stored in " << extension
@@ -273,12 +309,27 @@ void VideoWriter::copyStreams(const VideoReader& reader, std::ostream* notes)
         if (!copy) {
             throw failure("write", AVERROR(ENOMEM));
         }
-        const int error = avcodec_parameters_copy(copy->codecpar, source->codecpar);
-        if (error < 0) {
-            throw failure("write", error);
+        if (held) {
+            const int error = avcodec_parameters_copy(copy->codecpar, source->codecpar);
+            if (error < 0) {
+                throw failure("write", error);
+            }
+            copy->codecpar->codec_tag = 0;
+            copy->time_base = source->time_base;
+        } else {
+            // As ffmpeg does: the container's own audio codec.
+            auto& transcoder = mTranscoders[copy->index];
+            transcoder = std::make_unique<AudioTranscoder>(
+                *source->codecpar, source->time_base, usual,
+                mFormat->oformat->flags & AVFMT_GLOBALHEADER, mOutput.target());
+            transcoder->describe(*copy->codecpar);
+            copy->time_base = transcoder->timeBase();
+            if (notes) {
+                *notes << "quorvex: note: the " << avcodec_get_name(codec) << " audio of '"
+                       << reader.info().name << "' cannot be stored in " << extension
+                       << " files and is encoded as " << avcodec_get_name(usual) << "\n";
+            }
         }
-        copy->codecpar->codec_tag = 0;
-        copy->time_base = source->time_base;
         copy->disposition = source->disposition;
         av_dict_copy(&copy->metadata, source->metadata, 0);
         mStreamMap[i] = copy->index;
@@ -287,6 +338,7 @@ void VideoWriter::copyStreams(const VideoReader& reader, std::ostream* notes)
 
 void VideoWriter::release()
 {
+    mTranscoders.clear();
     sws_freeContext(mScaler);
     mScaler = nullptr;
     av_frame_free(&mFrame);
@@ -322,8 +374,19 @@ void VideoWriter::write(const SourceFrame& source)
     if (!mOrigin) {
         mOrigin = source.timestamp;
     }
-    mFrame->pts = source.timestamp - *mOrigin;
-    mDurations[mFrame->pts] = source.duration > 0 ? source.duration : mNominalDuration;
+    // The written timestamp only: the effect drew the frame at its own.
+    const std::optional<std::int64_t> pts = mVideoTimes->place(
+        av_rescale_q(source.timestamp - *mOrigin, mSettings.timeBase, mEncoder->time_base),
+        av_rescale_q(source.duration, mSettings.timeBase, mEncoder->time_base));
+    if (!pts) {
+        return;
+    }
+    mFrame->pts = *pts;
+    mDurations[mFrame->pts] =
+        source.duration > 0
+            ? std::max<std::int64_t>(1, av_rescale_q(source.duration, mSettings.timeBase,
+                                                     mEncoder->time_base))
+            : mNominalDuration;
     encode(mFrame);
 }
 
@@ -368,7 +431,34 @@ void VideoWriter::pass(PassThroughPacket& packet)
     AVPacket* data = packet.get();
     const AVRational inputBase = mInputTimeBases[static_cast<std::size_t>(input)];
     const AVStream* output = mFormat->streams[mStreamMap[static_cast<std::size_t>(input)]];
-    av_packet_rescale_ts(data, inputBase, output->time_base);
+    if (const auto transcoder = mTranscoders.find(output->index); transcoder != mTranscoders.end()) {
+        transcoder->second->send(*data, [&](AVPacket& encoded) {
+            writeCopied(encoded, transcoder->second->timeBase(), output->index);
+        });
+        return;
+    }
+    writeCopied(*data, inputBase, output->index);
+}
+
+void VideoWriter::writeCopied(AVPacket& packet, AVRational base, int outputIndex)
+{
+    AVPacket* data = &packet;
+    const AVStream* output = mFormat->streams[outputIndex];
+    av_packet_rescale_ts(data, base, output->time_base);
+    const std::int64_t written = data->dts != AV_NOPTS_VALUE ? data->dts : data->pts;
+    if (written != AV_NOPTS_VALUE) {
+        const std::optional<std::int64_t> placed =
+            mCopiedTimes[static_cast<std::size_t>(output->index)]->place(written, data->duration);
+        if (!placed) {
+            return;
+        }
+        if (data->dts != AV_NOPTS_VALUE) {
+            data->dts += *placed - written;
+        }
+        if (data->pts != AV_NOPTS_VALUE) {
+            data->pts += *placed - written;
+        }
+    }
     data->stream_index = output->index;
     data->pos = -1;
     const int error = av_interleaved_write_frame(mFormat, data);
@@ -380,6 +470,11 @@ void VideoWriter::pass(PassThroughPacket& packet)
 void VideoWriter::finish()
 {
     encode(nullptr);
+    for (const auto& [index, transcoder] : mTranscoders) {
+        const int outputIndex = index;
+        const AVRational base = transcoder->timeBase();
+        transcoder->finish([&](AVPacket& encoded) { writeCopied(encoded, base, outputIndex); });
+    }
     int error = av_write_trailer(mFormat);
     if (error < 0) {
         throw failure("write", error);
@@ -389,6 +484,18 @@ void VideoWriter::finish()
         throw failure("write", error);
     }
     mOutput.commit();
+}
+
+std::string VideoWriter::summary() const
+{
+    if (!mVideoTimes || (mVideoTimes->moved() == 0 && mVideoTimes->dropped() == 0)) {
+        return {};
+    }
+    // As ffmpeg counts them; the effect still drew every frame at its own time.
+    return "the input's timestamps repeat or go back: in '" + mOutput.target() + "', " +
+           std::to_string(mVideoTimes->moved()) + " frames are moved to later times and " +
+           std::to_string(mVideoTimes->dropped()) +
+           " dropped, to make them valid; each frame shows the glitch of its own time";
 }
 
 }  // namespace Halvane::Quorvex::Tools

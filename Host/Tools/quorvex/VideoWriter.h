@@ -4,6 +4,7 @@
 #include "FrameRate.h"
 #include "FrameSink.h"
 #include "PixelDepth.h"
+#include "TimestampFixer.h"
 #include "ToolError.h"
 
 extern "C" {
@@ -12,6 +13,7 @@ extern "C" {
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -26,16 +28,19 @@ struct SwsContext;
 
 namespace Halvane::Quorvex::Tools {
 
+class AudioTranscoder;
 class VideoEncoderChoice;
 class VideoReader;
 
 // A video file written through the FFmpeg libraries: the rendered pictures
 // encoded as the choice says, one output frame for each input frame, each
 // at its own timestamp from the first one's (so variable-rate input stays
-// variable-rate); and, when the input is a video, its other streams (audio,
-// subtitles) copied unchanged with their timestamps carried over, and its
-// rotation, colour description and metadata kept where the container can
-// hold them.
+// variable-rate) as far as the container allows (timestamps that repeat or
+// go back are mended, see TimestampFixer); and, when the input is a video,
+// its other streams (audio, subtitles) copied unchanged with their
+// timestamps carried over, and its rotation, colour description and
+// metadata kept where the container can hold them. Audio that the container
+// cannot hold is re-encoded to its usual codec, as ffmpeg does.
 class VideoWriter : public FrameSink {
 public:
     struct Settings {
@@ -59,6 +64,7 @@ public:
     void write(const SourceFrame& frame) override;
     void pass(PassThroughPacket& packet) override;
     void finish() override;
+    std::string summary() const override;
 
 private:
     void open(const VideoEncoderChoice& choice, const VideoReader* copyFrom, std::ostream* notes);
@@ -66,6 +72,9 @@ private:
     // The input video's rotation and metadata on the output's video stream.
     void describeAsInput(const VideoReader& reader);
     void release();
+    // Writes a packet of a stream other than the rendered video, its
+    // timestamps in `base`.
+    void writeCopied(AVPacket& packet, AVRational base, int outputIndex);
     // Sends a picture to the encoder (none: the end) and writes what comes out.
     void encode(AVFrame* frame);
     ToolError failure(const std::string& what, int error) const;
@@ -83,6 +92,10 @@ private:
     std::optional<std::int64_t> mOrigin;  // the first frame's timestamp
     std::int64_t mNominalDuration = 1;
     std::map<std::int64_t, std::int64_t> mDurations;  // by pts, until encoded
+    std::optional<TimestampFixer> mVideoTimes;           // in the encoder's clock
+    std::vector<std::optional<TimestampFixer>> mCopiedTimes;  // by output stream
+    // Audio the container cannot hold as it is, by output stream.
+    std::map<int, std::unique_ptr<AudioTranscoder>> mTranscoders;
 };
 
 }  // namespace Halvane::Quorvex::Tools

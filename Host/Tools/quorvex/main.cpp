@@ -78,6 +78,9 @@ int main(int argc, char** argv)
     option("--speed", render.speed, "SPEED|KEYS",
            "0 to 3, or keyframes moving linearly between: \"0:0.5,4:3\" (seconds:value); "
            "default 1");
+    option("--seed", render.seed, "N",
+           "0 to 999: another repeatable glitch, the effect's time moved by a minute a step; "
+           "the frei0r plug-in's Seed N / 999 (default 0)");
     option("--time", render.time, "SECONDS", "the time of a single picture (default 1)");
     option("--time-offset", render.timeOffset, "SECONDS",
            "the time of the source's first frame (default 0)");
