@@ -5,7 +5,8 @@
 # suites, or the effect's live GL objects grew between frame 100 and the end.
 # Then the test suite's long-run memory check, with QUORVEX_SOAK_FRAMES
 # (200,000) frames instead of 30,000: the frei0r plug-in in ffmpeg and
-# quorvex, their heap's slope zero within its 99.9% interval.
+# quorvex, their heap's slope over the frames zero within its 99.9%
+# interval.
 # Usage: scripts/soak.sh [--frames=N]
 # About five minutes on two cores after the builds.
 set -euo pipefail

@@ -1,34 +1,52 @@
 // libQuorvexHeapSampler.so, preloaded into a host (ffmpeg, quorvex) by the
-// long-run memory check: while the host runs, a thread of its own writes a
-// line "SECONDS HEAP_BYTES RESIDENT_BYTES" to the file named by
-// QUORVEX_HEAP_SAMPLES every QUORVEX_HEAP_SAMPLE_MS milliseconds (20 by
-// default). HEAP_BYTES is what the process's allocator has handed out and
-// not got back (mallinfo2: in use in every arena plus mapped blocks), exact
-// to the byte and blind to how the allocator keeps its free memory, which
-// resident memory is not. Without QUORVEX_HEAP_SAMPLES it does nothing.
+// long-run memory check: every QUORVEX_HEAP_SAMPLE_FRAMES frames (250 by
+// default) that the host hands its encoder, it writes a line
+// "FRAMES HEAP_BYTES RESIDENT_BYTES" to the file named by
+// QUORVEX_HEAP_SAMPLES. HEAP_BYTES is what the process's allocator has
+// handed out and not got back (mallinfo2: in use in every arena plus mapped
+// blocks), exact to the byte and blind to how the allocator keeps its free
+// memory, which resident memory is not. Without QUORVEX_HEAP_SAMPLES it
+// does nothing.
 //
-// The thread allocates nothing while it samples, so that it adds nothing to
-// what it measures.
+// The frames are counted where every host ends a frame, the encoder's
+// avcodec_send_frame, and a sample is taken there at a quiet moment: the
+// calling thread holds the frame back until the heap has stopped moving.
+// In a host that decodes, renders and encodes on threads of its own
+// (quorvex), that lets every stage before the encoder run until its queue
+// is full and it waits, so each sample sees the same frames in flight
+// instead of however many the threads happened to hold; in a host that does
+// all on one thread (ffmpeg's filters) the heap is quiet already. Samples at
+// fixed frame counts, rather than at fixed times, also keep a host's pace,
+// which changes with the machine's load, out of the slope.
+//
+// It allocates nothing while it samples, so that it adds nothing to what it
+// measures.
+#include <dirent.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <malloc.h>
-#include <pthread.h>
+#include <sys/syscall.h>
 #include <time.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
-int gSamples = -1;
-long gIntervalNanoseconds = 20L * 1000 * 1000;
+// How many looks a millisecond apart must find every other thread asleep
+// and the heap unchanged before a sample, and the most looks to take.
+constexpr int kQuietLooks = 3;
+constexpr int kMostLooks = 2000;
 
-double Seconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
+int gSamples = -1;
+long gEvery = 250;
+long gFrames = 0;
+
+using SendFrame = int (*)(void*, const void*);
+SendFrame gSendFrame = nullptr;
 
 long ResidentBytes()
 {
@@ -51,43 +69,114 @@ long ResidentBytes()
     return residentPages * sysconf(_SC_PAGESIZE);
 }
 
-void* Sample(void*)
+std::size_t HeapBytes()
 {
-    const double start = Seconds();
-    for (;;) {
-        const struct mallinfo2 heap = mallinfo2();
-        char line[96];
-        const int length = std::snprintf(line, sizeof line, "%.6f %zu %ld\n", Seconds() - start,
-                                         heap.uordblks + heap.hblkhd, ResidentBytes());
-        if (length <= 0 || write(gSamples, line, static_cast<std::size_t>(length)) != length) {
-            return nullptr;
+    const struct mallinfo2 heap = mallinfo2();
+    return heap.uordblks + heap.hblkhd;
+}
+
+// Whether every thread of the process but the caller is asleep (waiting
+// on a queue, a lock, or for work), none running or ready to run. Reads
+// /proc/self/task without opendir, which would allocate.
+bool OthersAsleep()
+{
+    const int tasks = open("/proc/self/task", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (tasks < 0) {
+        return true;
+    }
+    const long self = syscall(SYS_gettid);
+    bool asleep = true;
+    alignas(8) char entries[4096];
+    for (long length; asleep && (length = getdents64(tasks, entries, sizeof entries)) > 0;) {
+        for (long offset = 0; asleep && offset < length;) {
+            const auto* entry = reinterpret_cast<const dirent64*>(entries + offset);
+            offset += entry->d_reclen;
+            const long task = std::strtol(entry->d_name, nullptr, 10);
+            if (task <= 0 || task == self) {
+                continue;
+            }
+            char path[64];
+            std::snprintf(path, sizeof path, "/proc/self/task/%ld/stat", task);
+            const int stat = open(path, O_RDONLY | O_CLOEXEC);
+            if (stat < 0) {
+                continue;  // ended since
+            }
+            char text[512];
+            const ssize_t count = read(stat, text, sizeof text - 1);
+            close(stat);
+            if (count <= 0) {
+                continue;
+            }
+            text[count] = '\0';
+            // "TID (NAME) STATE ...": the name may hold anything, ')' too.
+            const char* nameEnd = std::strrchr(text, ')');
+            asleep = nameEnd == nullptr || nameEnd[1] != ' ' || (nameEnd[2] != 'R' && nameEnd[2] != 'D');
         }
-        const timespec pause{0, gIntervalNanoseconds};
+    }
+    close(tasks);
+    return asleep;
+}
+
+// The heap once the other threads have come to rest and it has stopped
+// moving.
+std::size_t SettledHeapBytes()
+{
+    std::size_t heap = HeapBytes();
+    int quiet = 0;
+    for (int look = 0; quiet < kQuietLooks && look < kMostLooks; ++look) {
+        const timespec pause{0, 1000 * 1000};
         nanosleep(&pause, nullptr);
+        const std::size_t now = HeapBytes();
+        quiet = now == heap && OthersAsleep() ? quiet + 1 : 0;
+        heap = now;
+    }
+    return heap;
+}
+
+void Sample()
+{
+    char line[96];
+    const int length =
+        std::snprintf(line, sizeof line, "%ld %zu %ld\n", gFrames, SettledHeapBytes(), ResidentBytes());
+    if (length <= 0 || write(gSamples, line, static_cast<std::size_t>(length)) != length) {
+        close(gSamples);
+        gSamples = -1;
     }
 }
 
 __attribute__((constructor)) void StartSampling()
 {
+    gSendFrame = reinterpret_cast<SendFrame>(dlsym(RTLD_NEXT, "avcodec_send_frame"));
     const char* path = std::getenv("QUORVEX_HEAP_SAMPLES");
     if (path == nullptr || *path == '\0') {
         return;
     }
-    if (const char* interval = std::getenv("QUORVEX_HEAP_SAMPLE_MS")) {
-        const long milliseconds = std::strtol(interval, nullptr, 10);
-        if (milliseconds > 0 && milliseconds < 1000) {
-            gIntervalNanoseconds = milliseconds * 1000 * 1000;
+    if (const char* every = std::getenv("QUORVEX_HEAP_SAMPLE_FRAMES")) {
+        const long frames = std::strtol(every, nullptr, 10);
+        if (frames > 0) {
+            gEvery = frames;
         }
     }
     gSamples = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (gSamples < 0) {
         std::fprintf(stderr, "QuorvexHeapSampler: cannot write samples to %s\n", path);
-        return;
-    }
-    pthread_t thread;
-    if (pthread_create(&thread, nullptr, Sample, nullptr) == 0) {
-        pthread_detach(thread);
     }
 }
 
 }  // namespace
+
+// Stands in for FFmpeg's own, which it calls.
+extern "C" __attribute__((visibility("default"))) int avcodec_send_frame(void* encoder, const void* frame)
+{
+    if (gSendFrame == nullptr) {
+        gSendFrame = reinterpret_cast<SendFrame>(dlsym(RTLD_NEXT, "avcodec_send_frame"));
+        if (gSendFrame == nullptr) {
+            return -ENOSYS;  // AVERROR(ENOSYS): a host without FFmpeg's encoders
+        }
+    }
+    // A null frame flushes the encoder at the end.
+    if (frame != nullptr && gSamples >= 0 && ++gFrames % gEvery == 0) {
+        Sample();
+    }
+    return gSendFrame(encoder, frame);
+}

@@ -49,7 +49,7 @@ std::vector<MemoryTrend::Sample> MemoryTrend::read(const std::string& path)
         std::istringstream fields(line);
         Sample sample;
         std::string rest;
-        if (fields >> sample.seconds >> sample.heapBytes >> sample.residentBytes && !(fields >> rest)) {
+        if (fields >> sample.frames >> sample.heapBytes >> sample.residentBytes && !(fields >> rest)) {
             samples.push_back(sample);
         }
     }
@@ -65,26 +65,30 @@ MemoryTrend::MemoryTrend(const std::vector<Sample>& samples)
         throw std::invalid_argument("MemoryTrend: " + std::to_string(samples.size()) +
                                     " samples are too few for a trend");
     }
-    std::vector<double> seconds;
+    std::vector<double> frames;
     std::vector<double> heap;
     std::vector<double> resident;
     for (std::size_t block = 0; block < kBlocks; ++block) {
-        double t = 0.0;
+        double f = 0.0;
         double h = 0.0;
         double r = 0.0;
         for (std::size_t i = first + block * perBlock; i < first + (block + 1) * perBlock; ++i) {
-            t += samples[i].seconds;
+            f += samples[i].frames;
             h += samples[i].heapBytes;
             r += samples[i].residentBytes;
         }
         const auto count = static_cast<double>(perBlock);
-        seconds.push_back(t / count);
+        frames.push_back(f / count);
         heap.push_back(h / count);
         resident.push_back(r / count);
     }
-    mHeap = Fit(seconds, heap);
-    mResident = Fit(seconds, resident);
-    mSeconds = samples[end - 1].seconds - samples[first].seconds;
+    mFrames = samples[end - 1].frames - samples[first].frames;
+    mHeap = Fit(frames, heap);
+    mResident = Fit(frames, resident);
+    // The heap counts in chunks: a few bytes taken once (a chunk split
+    // another way, a small buffer made late) step it without a trend. One
+    // such step over the fitted frames is as fine as the measure resolves.
+    mHeap.halfWidth += kHeapStepBytes / mFrames;
 }
 
 }  // namespace Halvane::Quorvex::Testing

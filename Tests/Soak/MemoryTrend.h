@@ -7,31 +7,34 @@
 namespace Halvane::Quorvex::Testing {
 
 // Whether a long run's memory grows: a least-squares line through the
-// samples of libQuorvexHeapSampler.so and the confidence interval of its
-// slope. The samples of the first fifth of the run (set-up, the first
-// frames, caches filling) and of its last twentieth (the host tearing
-// down) are left out. The rest are averaged in kBlocks runs of consecutive
-// samples before the fit: samples a few milliseconds apart are not
-// independent (a frame's buffers come and go), block means nearly are, so
-// the interval is honest rather than too narrow.
+// samples of libQuorvexHeapSampler.so, taken at fixed frame counts, and the
+// confidence interval of its slope. The samples of the first fifth of the
+// run (set-up, the first frames, caches filling) and of its last twentieth
+// (the pipeline draining, the host tearing down) are left out. The rest are
+// averaged in kBlocks runs of consecutive samples before the fit, so that
+// the interval rests on nearly independent points rather than on
+// neighbours that share a frame's buffers.
 class MemoryTrend {
 public:
     static constexpr std::size_t kBlocks = 32;
+    // The smallest change of the heap taken for more than its resolution:
+    // a few of the allocator's smallest chunks.
+    static constexpr double kHeapStepBytes = 64.0;
 
     struct Sample {
-        double seconds = 0.0;
+        double frames = 0.0;
         double heapBytes = 0.0;
         double residentBytes = 0.0;
     };
 
-    // The slope of one measure in bytes a second, and the half-width of its
+    // The slope of one measure in bytes a frame, and the half-width of its
     // two-sided 99.9% interval.
     struct Slope {
-        double bytesPerSecond = 0.0;
+        double bytesPerFrame = 0.0;
         double halfWidth = 0.0;
 
-        double lowest() const { return bytesPerSecond - halfWidth; }
-        double highest() const { return bytesPerSecond + halfWidth; }
+        double lowest() const { return bytesPerFrame - halfWidth; }
+        double highest() const { return bytesPerFrame + halfWidth; }
     };
 
     // Reads the sampler's file; a line cut short by the host's exit is left out.
@@ -42,13 +45,13 @@ public:
 
     Slope heap() const { return mHeap; }
     Slope resident() const { return mResident; }
-    // The time the fitted samples span.
-    double seconds() const { return mSeconds; }
+    // The frames the fitted samples span.
+    double frames() const { return mFrames; }
 
 private:
     Slope mHeap;
     Slope mResident;
-    double mSeconds = 0.0;
+    double mFrames = 0.0;
 };
 
 }  // namespace Halvane::Quorvex::Testing
