@@ -56,6 +56,7 @@ test_packages=(
   kdenlive
   shotcut
   xvfb
+  xauth
   xdotool
   qtdeclarative5-dev-tools
 )
