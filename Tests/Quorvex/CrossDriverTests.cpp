@@ -3,23 +3,18 @@
 // frame on the CPU, so two drivers draw the same glitch and differ only in
 // how they filter the texture.
 #include "RenderingModuleTest.h"
+#include "Tools/Support/ToolProcess.h"
 
 #include <glbinding/gl/gl.h>
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <sstream>
-
-extern char** environ;
 
 namespace Halvane::Quorvex::Testing {
 namespace {
@@ -90,48 +85,6 @@ DriverFrames Read(const std::string& path, std::size_t frames, std::size_t value
         driver.frames.clear();
     }
     return driver;
-}
-
-// Runs this test binary again on this one test, with `environment` added,
-// its output into `log`. Returns its exit status, or -1 if it could not run.
-int RunSelf(const std::vector<std::string>& environment, const std::string& log)
-{
-    const ::testing::TestInfo* test = ::testing::UnitTest::GetInstance()->current_test_info();
-    const std::string filter = std::string("--gtest_filter=") + test->test_suite_name() + "." + test->name();
-    std::vector<std::string> variables(environment);
-    for (char** variable = environ; *variable; ++variable) {
-        variables.emplace_back(*variable);
-    }
-    std::vector<char*> envp;
-    for (std::string& variable : variables) {
-        envp.push_back(variable.data());
-    }
-    envp.push_back(nullptr);
-    std::string program = "/proc/self/exe";
-    std::string filterArgument = filter;
-    char* argv[] = {program.data(), filterArgument.data(), nullptr};
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-    pid_t child = 0;
-    const int spawned = posix_spawn(&child, program.c_str(), &actions, nullptr, argv, envp.data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0) {
-        return -1;
-    }
-    int status = 0;
-    if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
-        return -1;
-    }
-    return WEXITSTATUS(status);
-}
-
-std::string TextOf(const std::string& path)
-{
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 // Hard edges as well as gradients, so that every tap of the texture filter
@@ -208,16 +161,16 @@ TEST_F(CrossDriverTest, FramesAgreeWithSoftpipe)
     const int descriptor = mkstemp(frames);
     ASSERT_GE(descriptor, 0) << "cannot make a temporary file";
     close(descriptor);
-    const std::string log = std::string(frames) + ".log";
-    const int status = RunSelf({std::string(kFramesFileVariable) + "=" + frames, "GALLIUM_DRIVER=softpipe",
-                                "QUORVEX_EGL_PLATFORM=surfaceless"},
-                               log);
-    const std::string childOutput = TextOf(log);
+    const ::testing::TestInfo* test = ::testing::UnitTest::GetInstance()->current_test_info();
+    ToolProcess child(std::filesystem::read_symlink("/proc/self/exe"),
+                      {std::string("--gtest_filter=") + test->test_suite_name() + "." + test->name()},
+                      {{kFramesFileVariable, frames}, {"GALLIUM_DRIVER", "softpipe"}, {"QUORVEX_EGL_PLATFORM", "surfaceless"}},
+                      false);
+    const ToolResult result = child.wait();
     const std::vector<Case> cases = Cases();
     const DriverFrames there = Read(frames, cases.size(), here.frames.front().size());
     std::remove(frames);
-    std::remove(log.c_str());
-    ASSERT_EQ(status, 0) << "the softpipe run failed:\n" << childOutput;
+    ASSERT_EQ(result.exitCode, 0) << "the softpipe run failed:\n" << result.out << result.err;
     ASSERT_EQ(there.frames.size(), cases.size()) << "the softpipe run left no whole set of frames";
     ASSERT_NE(there.renderer.find("softpipe"), std::string::npos) << "the child ran on " << there.renderer;
     ASSERT_NE(here.renderer, there.renderer) << "both runs drew on one driver";

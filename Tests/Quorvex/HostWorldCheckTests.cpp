@@ -24,9 +24,8 @@ TEST_F(HostWorldCheckTest, FlagsAreNotReadAtAnyDepth)
             input->layer()->world_flags = flags;
             output.layer()->world_flags = flags;
             const std::string what = "format " + std::to_string(format) + ", flags " + std::to_string(flags);
-            std::string said;
             PF_Err err = PF_Err_NONE;
-            said = standardErrorOf([&] { err = render(*input, output, 0.5, GlitchType::BadTV, 1.0); });
+            const std::string said = standardErrorOf([&] { err = render(*input, output, 0.5, GlitchType::BadTV, 1.0); });
             ASSERT_EQ(err, PF_Err_NONE) << what << ": " << said;
             EXPECT_EQ(said, "") << what;
             expectMatchesModel(output, *input, 0.5, GlitchType::BadTV, 1.0, what);
@@ -49,9 +48,8 @@ TEST_F(HostWorldCheckTest, AFailedFormatQueryRunsTheFrameAtEightBits)
     output.layer()->world_flags = PF_WorldFlag_DEEP | PF_WorldFlag_WRITEABLE;
 
     host.failures().fail(HostCall::GetPixelFormat, PF_Err_BAD_CALLBACK_PARAM);
-    std::string said;
     PF_Err err = PF_Err_NONE;
-    said = standardErrorOf([&] { err = render(*input, output, 1.5, GlitchType::Block, 1.0); });
+    const std::string said = standardErrorOf([&] { err = render(*input, output, 1.5, GlitchType::Block, 1.0); });
     host.failures().clear();
     ASSERT_EQ(err, PF_Err_NONE) << said;
     EXPECT_EQ(said, "");
