@@ -1,13 +1,16 @@
 // The editors' descriptions of the plug-in agree with what the plug-in tells
 // MLT (`melt -query`): the same indexes and names, the drop-down's values on
 // either side of 0.5, Speed and Seed scaled onto the plug-in's 0 to 1 with
-// the effect's defaults, and QML that Qt's own checker reads.
+// the effect's defaults, and QML that Qt's own checker reads; and Shotcut,
+// started on a virtual display with our filter folder beside Debian's in a
+// prefix of its own, lists Quorvex among the filters it adds.
 #include "Frei0r/Frei0rHostTest.h"
 
 // OpenImageIO's copy of pugixml, header-only.
 #include <OpenImageIO/detail/pugixml/pugixml.hpp>
 
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <regex>
 #include <sstream>
@@ -32,10 +35,19 @@ struct PluginInformation {
 
 std::string FileText(const std::string& path)
 {
-    std::ifstream file(path);
     std::stringstream text;
-    text << file.rdbuf();
+    text << std::ifstream(path).rdbuf();
     return text.str();
+}
+
+std::vector<std::string> Split(const std::string& list, char separator)
+{
+    std::vector<std::string> items;
+    std::istringstream text(list);
+    for (std::string item; std::getline(text, item, separator);) {
+        items.push_back(item);
+    }
+    return items;
 }
 
 // The first capture of `pattern` in `text`, or "" where it does not match.
@@ -100,15 +112,11 @@ protected:
     }
 
     // The plug-in's parameter called `title`; a failure and an empty one where none.
-    static const PluginParameter& parameterNamed(const PluginInformation& plugin, const std::string& title)
+    static PluginParameter parameterNamed(const PluginInformation& plugin, const std::string& title)
     {
-        static const PluginParameter kNone;
-        const int index = indexOf(plugin, title);
-        if (index == -1) {
-            ADD_FAILURE() << "the plug-in has no parameter \"" << title << "\"";
-            return kNone;
-        }
-        return plugin.parameters.at(index);
+        const auto found = plugin.parameters.find(indexOf(plugin, title));
+        EXPECT_NE(found, plugin.parameters.end()) << "the plug-in has no parameter \"" << title << "\"";
+        return found == plugin.parameters.end() ? PluginParameter{} : found->second;
     }
 };
 
@@ -141,17 +149,8 @@ TEST_F(EditorDescriptionTest, KdenliveShowsThePluginsParametersInTheEffectsUnits
 
     const pugi::xml_node type = byTitle["Glitch Type"];
     EXPECT_STREQ(type.attribute("type").value(), "list");
-    std::vector<std::string> values;
-    std::vector<std::string> shown;
-    std::istringstream valueList(type.attribute("paramlist").value());
-    std::istringstream shownList(type.child_value("paramlistdisplay"));
-    for (std::string item; std::getline(valueList, item, ';');) {
-        values.push_back(item);
-    }
-    for (std::string item; std::getline(shownList, item, ',');) {
-        shown.push_back(item);
-    }
-    ASSERT_EQ(shown, (std::vector<std::string>{"Block Glitch", "Bad TV"}));
+    const std::vector<std::string> values = Split(type.attribute("paramlist").value(), ';');
+    ASSERT_EQ(Split(type.child_value("paramlistdisplay"), ','), (std::vector<std::string>{"Block Glitch", "Bad TV"}));
     ASSERT_EQ(values.size(), 2u);
     EXPECT_LT(std::stod(values[0]), 0.5);
     EXPECT_GE(std::stod(values[1]), 0.5);
@@ -159,7 +158,7 @@ TEST_F(EditorDescriptionTest, KdenliveShowsThePluginsParametersInTheEffectsUnits
     EXPECT_EQ(type.attribute("default").as_double(-1), parameterNamed(plugin, "Glitch Type").defaultValue);
 
     const pugi::xml_node speed = byTitle["Speed"];
-    const PluginParameter& pluginSpeed = parameterNamed(plugin, "Speed");
+    const PluginParameter pluginSpeed = parameterNamed(plugin, "Speed");
     EXPECT_STREQ(speed.attribute("type").value(), "animated");
     const double factor = speed.attribute("factor").as_double();
     EXPECT_EQ(factor, 3);
@@ -169,7 +168,7 @@ TEST_F(EditorDescriptionTest, KdenliveShowsThePluginsParametersInTheEffectsUnits
     EXPECT_NEAR(speed.attribute("default").as_double(), pluginSpeed.defaultValue, 1e-6);
 
     const pugi::xml_node seed = byTitle["Seed"];
-    const PluginParameter& pluginSeed = parameterNamed(plugin, "Seed");
+    const PluginParameter pluginSeed = parameterNamed(plugin, "Seed");
     EXPECT_EQ(seed.attribute("factor").as_double(), 999);
     EXPECT_EQ(seed.attribute("decimals").as_int(-1), 0);
     EXPECT_EQ(seed.attribute("min").as_double(-1), 0);
@@ -206,8 +205,8 @@ TEST_F(EditorDescriptionTest, ShotcutShowsThePluginsParametersInTheEffectsUnits)
     EXPECT_NE(ui.find("filter.set(glitchType, index)"), std::string::npos) << "item i writes i";
     EXPECT_EQ(Find(ui, "property double glitchTypeDefault:\\s*(\\S+)"), "0");
 
-    const PluginParameter& pluginSpeed = parameterNamed(plugin, "Speed");
-    const PluginParameter& pluginSeed = parameterNamed(plugin, "Seed");
+    const PluginParameter pluginSpeed = parameterNamed(plugin, "Speed");
+    const PluginParameter pluginSeed = parameterNamed(plugin, "Seed");
     const double speedFactor = std::stod(Find(ui, "property double speedFactor:\\s*(\\S+)"));
     EXPECT_EQ(speedFactor, 3);
     EXPECT_EQ(std::stod(QmlValueAfter(ui, "speedSlider", "minimumValue")) / speedFactor,
@@ -225,6 +224,72 @@ TEST_F(EditorDescriptionTest, ShotcutShowsThePluginsParametersInTheEffectsUnits)
 
     EXPECT_TRUE(Succeeded(
         ToolProcess("qmllint", {kShotcutFolder + "/meta.qml", kShotcutFolder + "/ui.qml"}, {}, false).wait()));
+}
+
+namespace fs = std::filesystem;
+
+// The program `name` as PATH finds it; empty where it does not.
+fs::path FindProgram(const std::string& name)
+{
+    const ToolResult found = ToolProcess("sh", {"-c", "command -v \"$0\"", name}, {}, false).wait();
+    return found.out.substr(0, found.out.find('\n'));
+}
+
+TEST_F(EditorDescriptionTest, ShotcutAddsQuorvexFromTheFilterFolderBesideIt)
+{
+#ifdef QUORVEX_SANITIZER_RUNTIME
+    GTEST_SKIP() << "Shotcut is not run under the sanitizers: it would need their runtime preloaded into Qt";
+#endif
+    const fs::path shotcut = FindProgram("shotcut");
+    if (shotcut.empty() || FindProgram("xvfb-run").empty()) {
+        GTEST_SKIP() << "needs shotcut and xvfb-run (Debian's shotcut and xvfb, which scripts/install-deps.sh installs)";
+    }
+
+    // Shotcut reads its QML from share/shotcut/qml beside the folder of its
+    // program, where /proc/self/exe puts it: a hard link (or a copy) of the
+    // program, not a symbolic one, and Debian's folders linked around ours
+    // (never an installed Quorvex).
+    const fs::path program = fs::canonical(shotcut);
+    const fs::path share = program.parent_path().parent_path() / "share/shotcut";
+    const fs::path prefix = path("prefix");
+    const fs::path filters = prefix / "share/shotcut/qml/filters";
+    fs::create_directories(prefix / "bin");
+    fs::create_directories(filters);
+    std::error_code linkError;
+    fs::create_hard_link(program, prefix / "bin/shotcut", linkError);
+    if (linkError) {
+        fs::copy_file(program, prefix / "bin/shotcut");
+    }
+    for (const auto& [from, to, except] :
+         {std::tuple{share, prefix / "share/shotcut", "qml"}, {share / "qml", prefix / "share/shotcut/qml", "filters"},
+          {share / "qml/filters", filters, "quorvex"}}) {
+        for (const auto& entry : fs::directory_iterator(from)) {
+            if (entry.path().filename() != except) {
+                fs::create_symlink(entry.path(), to / entry.path().filename());
+            }
+        }
+    }
+    fs::create_directory_symlink(std::string(QUORVEX_EDITOR_DESCRIPTIONS) + "/shotcut/quorvex", filters / "quorvex");
+
+    // Shotcut lists its filters before it reads its window settings; it is
+    // stopped there, or after 30 s.
+    const std::string script =
+        "\"$0\" > \"$1\" 2>&1 & shotcut=$!\n"
+        "for i in $(seq 300); do\n"
+        "  grep -q readWindowSettings \"$1\" || ! kill -0 $shotcut 2>/dev/null && break\n"
+        "  sleep 0.1\n"
+        "done\n"
+        "kill $shotcut 2>/dev/null; sleep 1; kill -9 $shotcut 2>/dev/null; wait $shotcut\n"
+        "exit 0\n";
+    fs::create_directory(path("home"));
+    const ToolResult result =
+        runHost("xvfb-run", {"-a", "-s", "-screen 0 1024x768x24", "sh", "-c", script, prefix / "bin/shotcut",
+                             path("shotcut.log")},
+                {{"HOME", path("home")}, {"XDG_RUNTIME_DIR", path("home")}});
+    ASSERT_TRUE(Succeeded(result));
+    const std::string log = contents("shotcut.log");
+    EXPECT_NE(log.find("install dir = \"" + (prefix / "bin").string() + "\""), std::string::npos) << log;
+    EXPECT_NE(log.find("added filter \"Quorvex\""), std::string::npos) << log;
 }
 
 }  // namespace

@@ -1,26 +1,14 @@
-// libQuorvexHeapSampler.so, preloaded into a host (ffmpeg, quorvex) by the
-// long-run memory check: every QUORVEX_HEAP_SAMPLE_FRAMES frames (250 by
-// default) that the host hands its encoder, it writes a line
-// "FRAMES HEAP_BYTES RESIDENT_BYTES" to the file named by
-// QUORVEX_HEAP_SAMPLES. HEAP_BYTES is what the process's allocator has
-// handed out and not got back (mallinfo2: in use in every arena plus mapped
-// blocks), exact to the byte and blind to how the allocator keeps its free
-// memory, which resident memory is not. Without QUORVEX_HEAP_SAMPLES it
-// does nothing.
-//
-// The frames are counted where every host ends a frame, the encoder's
-// avcodec_send_frame, and a sample is taken there at a quiet moment: the
-// calling thread holds the frame back until the heap has stopped moving.
-// In a host that decodes, renders and encodes on threads of its own
-// (quorvex), that lets every stage before the encoder run until its queue
-// is full and it waits, so each sample sees the same frames in flight
-// instead of however many the threads happened to hold; in a host that does
-// all on one thread (ffmpeg's filters) the heap is quiet already. Samples at
-// fixed frame counts, rather than at fixed times, also keep a host's pace,
-// which changes with the machine's load, out of the slope.
-//
-// It allocates nothing while it samples, so that it adds nothing to what it
-// measures.
+// libQuorvexHeapSampler.so, preloaded into a host (ffmpeg, quorvex): every
+// QUORVEX_HEAP_SAMPLE_FRAMES frames (250 by default) handed to the encoder's
+// avcodec_send_frame, it writes "FRAMES HEAP_BYTES RESIDENT_BYTES" to the
+// file QUORVEX_HEAP_SAMPLES names (without it, nothing). HEAP_BYTES is
+// mallinfo2's in-use and mapped bytes: exact, and blind to how the allocator
+// keeps free memory, which resident memory is not. Each sample waits until
+// the heap stops moving and every other thread sleeps, so that a threaded
+// host (quorvex) has every queue before the encoder full: each sample sees
+// the same frames in flight. Counting frames rather than time keeps the
+// host's pace, which follows the machine's load, out of the slope. It
+// allocates nothing while it samples, adding nothing to what it measures.
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -36,8 +24,8 @@
 
 namespace {
 
-// How many looks a millisecond apart must find every other thread asleep
-// and the heap unchanged before a sample, and the most looks to take.
+// Looks a millisecond apart that must find the heap unchanged and the
+// others asleep before a sample, and the most to take.
 constexpr int kQuietLooks = 3;
 constexpr int kMostLooks = 2000;
 
@@ -75,8 +63,7 @@ std::size_t HeapBytes()
     return heap.uordblks + heap.hblkhd;
 }
 
-// Whether every thread of the process but the caller is asleep (waiting
-// on a queue, a lock, or for work), none running or ready to run. Reads
+// Whether no thread but the caller runs or is ready to run. Reads
 // /proc/self/task without opendir, which would allocate.
 bool OthersAsleep()
 {
@@ -117,8 +104,6 @@ bool OthersAsleep()
     return asleep;
 }
 
-// The heap once the other threads have come to rest and it has stopped
-// moving.
 std::size_t SettledHeapBytes()
 {
     std::size_t heap = HeapBytes();

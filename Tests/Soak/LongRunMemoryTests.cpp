@@ -1,10 +1,7 @@
-// Nothing may grow with the number of frames: the frei0r plug-in inside
-// ffmpeg and the quorvex program each render tens of thousands of small
-// frames, their heap is sampled every few hundred frames at a quiet point,
-// and the slope of a line through the samples must be zero within its 99.9%
-// interval. A leak of a tenth of a byte a frame shows as a slope many times
-// its interval; no allowance is given. QUORVEX_SOAK_FRAMES sets the frames
-// of each run (scripts/soak.sh runs 200,000).
+// Nothing may grow with the frames: the heap of the frei0r plug-in in ffmpeg
+// and of quorvex, sampled over tens of thousands of small frames, has a slope
+// of zero within its 99.9% interval, with no allowance. QUORVEX_SOAK_FRAMES
+// sets the frames of each run (scripts/soak.sh runs 200,000).
 #include "MemoryTrend.h"
 
 #include "Tools/Support/ToolTest.h"
@@ -16,37 +13,27 @@
 namespace Halvane::Quorvex::Testing {
 namespace {
 
-// Small frames, so that a run is long in frames and short in time. A width
-// of a multiple of 64: ffmpeg 5.1 loses the time of other frames.
+// Small frames, for a run long in frames and short in time; a width of a
+// multiple of 64, as ffmpeg 5.1 loses the time of other frames.
 constexpr int kWidth = 64;
 constexpr int kHeight = 32;
 constexpr int kFramesPerSecond = 25;
 constexpr long kDefaultFrames = 30000;
-// A run whose interval is this wide either side could not tell a leak of
-// this much from none; it fails as unable to measure (the intervals are
-// about 0.02 wide).
+// A wider interval could not tell a leak this large from none: the run
+// fails as unable to measure (intervals are about 0.02 wide).
 constexpr double kResolvedBytesPerFrame = 0.25;
 
-long Frames()
-{
-    const char* frames = std::getenv("QUORVEX_SOAK_FRAMES");
-    return frames && std::atol(frames) > 0 ? std::atol(frames) : kDefaultFrames;
-}
-
-// ffmpeg's generated clip of `frames` frames.
-std::string Clip(long frames)
-{
-    return "testsrc2=s=" + std::to_string(kWidth) + "x" + std::to_string(kHeight) + ":r=" +
-           std::to_string(kFramesPerSecond) + ",trim=end_frame=" + std::to_string(frames);
-}
+const char* const kFramesSet = std::getenv("QUORVEX_SOAK_FRAMES");
+const long kFrames = kFramesSet && std::atol(kFramesSet) > 0 ? std::atol(kFramesSet) : kDefaultFrames;
+// ffmpeg's generated clip.
+const std::string kClip = "testsrc2=s=" + std::to_string(kWidth) + "x" + std::to_string(kHeight) + ":r=" +
+                          std::to_string(kFramesPerSecond) + ",trim=end_frame=" + std::to_string(kFrames);
 
 class LongRunMemoryTest : public ToolTest {
 protected:
-    // The environment that makes a host sample its heap into heap.txt.
-    // Without the C library's per-thread caches of freed blocks: it counts
-    // the blocks they hold as in use, and they fill slowly, size by size, as
-    // a run meets rarer sizes (quorvex: +0.3 bytes a frame over 30,000
-    // frames, all of it gone with the caches).
+    // A host sampling its heap into heap.txt, without glibc's per-thread
+    // caches of freed blocks: mallinfo2 counts them as in use, and they fill
+    // slowly as a run meets rarer sizes (quorvex: +0.3 bytes a frame).
     std::map<std::string, std::string> sampled() const
     {
         return {{"LD_PRELOAD", QUORVEX_HEAP_SAMPLER},
@@ -55,10 +42,9 @@ protected:
                 {"FREI0R_PATH", QUORVEX_FREI0R_PATH}};
     }
 
-    // The slope per frame of the samples of a run of `frames`, printed;
-    // fails the test when the heap grew beyond the interval, or when the
-    // interval is too wide to see a leak.
-    void expectFlat(const std::string& host, long frames)
+    // Prints the run's slopes; fails where the heap grew beyond the
+    // interval, or the interval is too wide to see a leak.
+    void expectFlat(const std::string& host)
     {
         const std::vector<MemoryTrend::Sample> samples = MemoryTrend::read(path("heap.txt"));
         ASSERT_GT(samples.size(), MemoryTrend::kBlocks * 2) << host << ": too few samples";
@@ -69,7 +55,7 @@ protected:
         std::snprintf(line, sizeof line,
                       "%s: %ld frames, %zu samples; fitted over %.0f frames: heap %+.4f bytes/frame "
                       "(99.9%%: %+.4f to %+.4f), resident %+.3f bytes/frame (%+.3f to %+.3f)\n",
-                      host.c_str(), frames, samples.size(), trend.frames(), heap.bytesPerFrame, heap.lowest(),
+                      host.c_str(), kFrames, samples.size(), trend.frames(), heap.bytesPerFrame, heap.lowest(),
                       heap.highest(), resident.bytesPerFrame, resident.lowest(), resident.highest());
         std::cout << line;
         EXPECT_LE(heap.lowest(), 0.0) << host << ": the heap grows with the frames: " << line;
@@ -80,34 +66,28 @@ protected:
 
 TEST_F(LongRunMemoryTest, TheFrei0rPluginInFfmpegKeepsItsHeapFlat)
 {
-    const long frames = Frames();
     const ToolResult result = ToolProcess("ffmpeg",
-                                          {"-nostdin", "-v", "error", "-f", "lavfi", "-i", Clip(frames), "-vf",
+                                          {"-nostdin", "-v", "error", "-f", "lavfi", "-i", kClip, "-vf",
                                            "frei0r=quorvex:1|0.5", "-f", "null", "-"},
                                           sampled(), false)
                                   .wait();
     ASSERT_TRUE(Succeeded(result));
-    expectFlat("ffmpeg with the frei0r plug-in", frames);
+    expectFlat("ffmpeg with the frei0r plug-in");
 }
 
-// Its reader, renderer and writer threads hold frames between them; the
-// sampler holds the writer back until the others are full and wait, so that
-// every sample sees the same frames in flight.
 TEST_F(LongRunMemoryTest, QuorvexKeepsItsHeapFlat)
 {
-    const long frames = Frames();
     ASSERT_TRUE(Succeeded(ToolProcess("ffmpeg",
-                                      {"-nostdin", "-v", "error", "-f", "lavfi", "-i", Clip(frames), "-c:v", "libx264",
+                                      {"-nostdin", "-v", "error", "-f", "lavfi", "-i", kClip, "-c:v", "libx264",
                                        "-preset", "ultrafast", "-pix_fmt", "yuv420p", path("clip.mp4")},
                                       {}, false)
                               .wait()));
-    // MPEG-TS keeps no index of the frames it wrote, as MP4 and Matroska do
-    // until they close: what the container needs is not the tool's growth.
+    // MPEG-TS keeps no growing index of frames, as MP4 and Matroska do.
     const ToolResult result = run({"render", path("clip.mp4"), path("out.ts"), "--codec", "mpeg4", "--glitch",
                                    "badtv", "--quiet"},
                                   sampled());
     ASSERT_TRUE(Succeeded(result));
-    expectFlat("quorvex render", frames);
+    expectFlat("quorvex render");
 }
 
 }  // namespace

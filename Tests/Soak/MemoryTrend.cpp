@@ -65,22 +65,14 @@ MemoryTrend::MemoryTrend(const std::vector<Sample>& samples)
         throw std::invalid_argument("MemoryTrend: " + std::to_string(samples.size()) +
                                     " samples are too few for a trend");
     }
-    std::vector<double> frames;
-    std::vector<double> heap;
-    std::vector<double> resident;
-    for (std::size_t block = 0; block < kBlocks; ++block) {
-        double f = 0.0;
-        double h = 0.0;
-        double r = 0.0;
-        for (std::size_t i = first + block * perBlock; i < first + (block + 1) * perBlock; ++i) {
-            f += samples[i].frames;
-            h += samples[i].heapBytes;
-            r += samples[i].residentBytes;
-        }
-        const auto count = static_cast<double>(perBlock);
-        frames.push_back(f / count);
-        heap.push_back(h / count);
-        resident.push_back(r / count);
+    std::vector<double> frames(kBlocks);
+    std::vector<double> heap(kBlocks);
+    std::vector<double> resident(kBlocks);
+    for (std::size_t i = first; i < first + kBlocks * perBlock; ++i) {
+        const std::size_t block = (i - first) / perBlock;
+        frames[block] += samples[i].frames / static_cast<double>(perBlock);
+        heap[block] += samples[i].heapBytes / static_cast<double>(perBlock);
+        resident[block] += samples[i].residentBytes / static_cast<double>(perBlock);
     }
     mFrames = samples[end - 1].frames - samples[first].frames;
     mHeap = Fit(frames, heap);

@@ -7,12 +7,10 @@
 namespace Halvane::Quorvex::Testing {
 
 // Whether a long run's memory grows: a least-squares line through the
-// samples of libQuorvexHeapSampler.so, taken at fixed frame counts, and the
-// confidence interval of its slope. The samples of the first fifth of the
-// run (set-up, the first frames, caches filling) and of its last twentieth
-// (the pipeline draining, the host tearing down) are left out. The rest are
-// averaged in kBlocks runs of consecutive samples before the fit, so that
-// the interval rests on nearly independent points rather than on
+// samples of libQuorvexHeapSampler.so and the confidence interval of its
+// slope. The run's first fifth (set-up, caches filling) and last twentieth
+// (draining, tear-down) are left out; the rest is averaged in kBlocks runs
+// of samples, so that the interval rests on nearly independent points, not
 // neighbours that share a frame's buffers.
 class MemoryTrend {
 public:
