@@ -98,7 +98,7 @@ protected:
     std::set<std::string> mInputs;  // what a signalled run must leave
 };
 
-TEST_F(FailureTest, InputsThatCannotBeRead)
+TEST_F(FailureTest, InputsThatCannotBeReadAndOptionValuesThatMakeNoSense)
 {
     expectFailure({"render", path("missing.png"), path("out.png")}, 1, {"missing.png", "no such file"});
     expectFailure({"render", mFolder, path("out.png")}, 1, {mFolder, "folder"});
@@ -115,10 +115,8 @@ TEST_F(FailureTest, InputsThatCannotBeRead)
         ::chmod(path("in.png").c_str(), 0);
         expectFailure(with({}), 1, {"in.png", "Permission denied"});
     }
-}
+    ::chmod(path("in.png").c_str(), 0644);
 
-TEST_F(FailureTest, OptionValuesThatMakeNoSense)
-{
     expectFailure({"render", path("in.png"), path("out.xyz")}, 2, {"out.xyz", "'.xyz'"});
     expectFailure(with({"--glitch", "wobble"}), 2, {"--glitch", "'wobble'"});
     expectFailure(with({"--speed", "0:1,2"}), 2, {"--speed", "'2'", "SECONDS:VALUE"});
@@ -184,7 +182,7 @@ TEST_F(FailureTest, SequencesWithGapsAndClipsIntoOnePicture)
     expectFailure({"render", path("f.%099999999999d.png"), path("out.%d.png")}, 2, {"more than 9 digits"});
 }
 
-TEST_F(FailureTest, OutputsThatCannotBeWritten)
+TEST_F(FailureTest, OutputsThatCannotBeWrittenAndModulesThatDoNotLoadOrFail)
 {
     expectFailure({"render", path("in.png"), path("no/such/folder/out.png")}, 1,
                   {"no/such/folder/out.png", "No such file or directory"});
@@ -201,10 +199,6 @@ TEST_F(FailureTest, OutputsThatCannotBeWritten)
         expectFailure({"render", path("in.png"), path("locked/out.png")}, 1,
                       {"locked/out.png", "Permission denied"});
     }
-}
-
-TEST_F(FailureTest, ModulesThatDoNotLoadOrFail)
-{
     expectFailure(with({"--plugin", path("gone.so")}), 1, {"gone.so", "cannot load"});
     expectFailure(with({"--plugin", path("in.png")}), 1, {"in.png"});
     expectFailure(with({}), 1, {"GlobalSetup", "out of memory"}, {{"QUORVEX_FAKE_SETUP_STATUS", "4"}});

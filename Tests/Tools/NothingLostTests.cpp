@@ -33,9 +33,8 @@ double Noise(int x, int y, int c)
     return static_cast<double>(value & 255u);
 }
 
-// The lines that are not notes: a note on what the output holds (no alpha
-// in a JPEG, say) comes before any frame is written, and a failure after it
-// still says one line.
+// The lines that are not notes: a note on what the output holds (no alpha in a JPEG, say) comes before any
+// frame is written, and a failure after it still says one line.
 int Lines(const std::string& text)
 {
     std::istringstream lines(text);
@@ -84,15 +83,6 @@ protected:
         NothingLostTest::TearDown();
     }
 
-    std::set<std::string> onDisk() const
-    {
-        std::set<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(mDisk)) {
-            names.insert(entry.path().filename().string());
-        }
-        return names;
-    }
-
     std::string mDisk;
     bool mMounted = false;
 };
@@ -110,7 +100,7 @@ TEST_F(FullDiskTest, EveryFormatReportsTheFullDiskAndLeavesNothing)
         EXPECT_EQ(Lines(run.err), 1) << run.err;
         EXPECT_THAT(run.err, HasSubstr("'" + target + "'"));
         EXPECT_THAT(run.err, HasSubstr("No space left on device"));
-        EXPECT_EQ(onDisk(), std::set<std::string>{}) << "nothing may stay, under any name";
+        EXPECT_EQ(files(mDisk), std::set<std::string>{}) << "nothing may stay, under any name";
         std::filesystem::remove(target);
     }
 }
@@ -123,12 +113,12 @@ TEST_F(FullDiskTest, ASequenceStopsAtTheFirstFrameThatDoesNotFitAndAVideoFailsAl
     EXPECT_EQ(Lines(sequence.err), 1) << sequence.err;
     // 43 KiB a frame: the first fits, the second does not.
     EXPECT_THAT(sequence.err, HasSubstr("out.2.png': No space left on device"));
-    EXPECT_EQ(onDisk(), std::set<std::string>{});
+    EXPECT_EQ(files(mDisk), std::set<std::string>{});
 
     const ToolResult video = runFake({"render", path("in.%d.png"), mDisk + "/out.mkv"});
     EXPECT_EQ(video.exitCode, 1) << video.err;
     EXPECT_THAT(video.err, HasSubstr("out.mkv"));
-    EXPECT_EQ(onDisk(), std::set<std::string>{});
+    EXPECT_EQ(files(mDisk), std::set<std::string>{});
 }
 
 TEST_F(NothingLostTest, AWriteBeyondTheFileSizeLimitIsReported)

@@ -15,12 +15,7 @@
 namespace Halvane::Quorvex::Testing {
 namespace {
 
-// A 16-bit file value on the host's side and back, apart from the program's own conversion.
-long HostOf16(double file)
-{
-    return std::lround(file * 32768.0 / 65535.0);
-}
-
+// A 16-bit host value in a file, apart from the program's own conversion.
 double FileOf16(long host)
 {
     return static_cast<double>(std::lround(static_cast<double>(host) * 65535.0 / 32768.0));
@@ -88,7 +83,7 @@ TEST_F(PictureRenderTest, SixteenBitPngRoundsIntoTheHostRangeAndBack)
     const PF_Pixel16 timeOnly =
         FakeEffectFormula::Apply(PF_Pixel16{}, 1, FakeEffectFormula::TimeStep(20000, 10000, 1.0f));
     ExpectSamples(out, [&](int x, int y, int c) {
-        const long in = HostOf16(sample(x, y, c));
+        const long in = std::lround(sample(x, y, c) * 32768.0 / 65535.0);
         return FileOf16(c == 0 ? 32768 - in : c == 2 ? timeOnly.blue : in);
     });
 }

@@ -108,7 +108,7 @@ TEST(OptionParsingTest, GlitchNamesRatesRangesAndPatterns)
     }
 }
 
-TEST(OutputChoiceTest, ExtensionsChooseTheKindAndTheCodec)
+TEST(OutputChoiceTest, ExtensionsChooseTheKindTheCodecAndItsClock)
 {
     // The common cases are rendered in VideoRenderTests.
     EXPECT_EQ(SinkFactory::classify("a.EXR", false), SinkFactory::Kind::Still);
@@ -125,10 +125,8 @@ TEST(OutputChoiceTest, ExtensionsChooseTheKindAndTheCodec)
     EXPECT_STREQ(VideoEncoderChoice::choose("a.mkv", "h264").codec()->name, "libx264")
         << "a codec's name stands for its encoder";
     EXPECT_THROW(VideoEncoderChoice::choose("a.mp4", "ffv1"), ToolError) << "MP4 cannot hold FFV1";
-}
 
-TEST(OutputChoiceTest, EncodersThatStateTheirRateAsTheClockCountOneTickAFrameAtARateTheyTake)
-{
+    // Encoders that state their rate as the clock count one tick a frame at a rate they take.
     const auto clock = [](const char* target, const char* codec, long numerator, long denominator) {
         const VideoEncoderChoice::Clock chosen =
             VideoEncoderChoice::choose(target, codec).clockFor(FrameRate(numerator, denominator), {1, 12000});
@@ -144,7 +142,7 @@ TEST(OutputChoiceTest, EncodersThatStateTheirRateAsTheClockCountOneTickAFrameAtA
     EXPECT_EQ(clock("a.mp4", "", 12, 1), (std::vector<int>{12, 1, 1, 12000})) << "others keep the fine clock";
 }
 
-TEST(FrameConverterTest, EverySixteenBitValueSurvivesTheTripBetweenFileAndHost)
+TEST(FrameConverterTest, SixteenBitValuesSurviveTheTripFloatsPassUnclampedAndDeeperPicturesClampAndRound)
 {
     for (unsigned host = 0; host <= 32768; ++host) {
         const auto value = static_cast<A_u_short>(host);
@@ -156,10 +154,8 @@ TEST(FrameConverterTest, EverySixteenBitValueSurvivesTheTripBetweenFileAndHost)
             FrameConverter::fileToHost16(static_cast<std::uint16_t>(file)));
         ASSERT_LE(std::labs(back - static_cast<long>(file)), 1) << file;
     }
-}
 
-TEST(FrameConverterTest, FloatsPassUnclampedAndDeeperPicturesClampAndRound)
-{
+    // Floats pass unclamped; deeper pictures clamp and round.
     RgbaFrame floating(1, 1, PixelDepth::Float);
     const float samplesFloat[] = {-0.5f, 0.5f, 2.0f, 0.75f};
     std::copy(std::begin(samplesFloat), std::end(samplesFloat), floating.samplesFloat());

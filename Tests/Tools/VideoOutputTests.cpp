@@ -18,9 +18,8 @@ using ::testing::HasSubstr;
 
 class VideoOutputTest : public ToolTest {
 protected:
-    // ffprobe's values of `entries` ("stream=codec_name,pix_fmt") for the streams `streams` selects, one
-    // line per stream or frame (a transport stream's streams twice, in their program too), values joined by
-    // commas, side data left out.
+    // ffprobe's `entries` ("stream=codec_name,pix_fmt") of the `streams` selected, a line per stream or frame
+    // (a transport stream's twice, in their program too), values joined by commas, side data left out.
     std::string probe(const std::string& name, const std::string& entries, const std::string& streams = "v:0") const
     {
         std::istringstream lines(TestMedia::runCommand(
@@ -38,7 +37,7 @@ protected:
         return text;
     }
 
-    // How long the file's audio plays, decoded.
+    // How long the file's audio plays, decoded, and how many packets it has.
     double audioSeconds(const std::string& name) const
     {
         const std::string samples = TestMedia::runCommand(
@@ -46,22 +45,18 @@ protected:
         return std::atof(samples.c_str()) / 2 / 48000;
     }
 
-    // The packets of the file's audio.
     long audioPackets(const std::string& name) const
     {
         const std::string packets = probe(name, "packet=pts", "a");
         return std::count(packets.begin(), packets.end(), '\n');
     }
 
-    void render(const std::vector<std::string>& arguments, ToolResult* result = nullptr)
+    ToolResult render(std::vector<std::string> arguments)
     {
-        std::vector<std::string> command{"render"};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        const ToolResult ran = runFake(command);
-        ASSERT_TRUE(Succeeded(ran));
-        if (result) {
-            *result = ran;
-        }
+        arguments.insert(arguments.begin(), "render");
+        const ToolResult result = runFake(arguments);
+        EXPECT_TRUE(Succeeded(result));
+        return result;
     }
 };
 
@@ -80,8 +75,7 @@ TEST_F(VideoOutputTest, TimestampsThatRepeatOrGoBackAreMendedWhileEachFrameKeeps
                           "ffmpeg -v error -f lavfi -i testsrc=size=32x24:rate=1500 -frames:v 15 -c:v ffv1 fast.mkv");
     for (const char* name : {"twice.mp4", "twice.mkv"}) {
         SCOPED_TRACE(name);
-        ToolResult result;
-        render({path("twice.ts"), path(name)}, &result);
+        const ToolResult result = render({path("twice.ts"), path(name)});
         EXPECT_THAT(result.err, HasSubstr("10 frames are moved to later times and 0 dropped"));
         const MediaSummary out = MediaProbe::probe(path(name), true);
         ASSERT_EQ(out.frames, 20);
@@ -97,8 +91,7 @@ TEST_F(VideoOutputTest, TimestampsThatRepeatOrGoBackAreMendedWhileEachFrameKeeps
     }
     for (const char* name : {"fast.mp4", "fast.mov"}) {
         SCOPED_TRACE(name);
-        ToolResult result;
-        render({path("fast.mkv"), path(name)}, &result);
+        const ToolResult result = render({path("fast.mkv"), path(name)});
         EXPECT_THAT(result.err, HasSubstr("frames are moved to later times and"));
         const MediaSummary out = MediaProbe::probe(path(name));
         EXPECT_GE(out.frames, 10);
@@ -126,8 +119,7 @@ TEST_F(VideoOutputTest, FixedRateEncodersGetTheNearestRateTheyTakeAndAudioTheCon
         SCOPED_TRACE(output.name);
         std::vector<std::string> arguments{path("clip.mkv"), path(output.name)};
         arguments.insert(arguments.end(), output.options.begin(), output.options.end());
-        ToolResult result;
-        render(arguments, &result);
+        const ToolResult result = render(arguments);
         const MediaSummary out = MediaProbe::probe(path(output.name));
         EXPECT_EQ(out.streams.substr(0, std::string(output.streams).size()), output.streams);
         EXPECT_EQ(out.frames, 6);

@@ -21,10 +21,10 @@ void ToolTest::TearDown()
     std::filesystem::remove_all(mFolder, error);
 }
 
-std::set<std::string> ToolTest::files() const
+std::set<std::string> ToolTest::files(const std::string& folder) const
 {
     std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(mFolder)) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder.empty() ? mFolder : folder)) {
         names.insert(entry.path().filename().string());
     }
     return names;

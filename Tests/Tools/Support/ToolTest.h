@@ -19,9 +19,10 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // In the test's folder: a path, the names of the files (hidden ones included), a file's bytes, a picture.
+    // In the test's folder: a path, the names of the files (hidden ones included; of `folder` if given), a file's
+    // bytes, a picture.
     std::string path(const std::string& name) const { return mFolder + "/" + name; }
-    std::set<std::string> files() const;
+    std::set<std::string> files(const std::string& folder = {}) const;
     std::string contents(const std::string& name) const;
     PictureFile picture(const std::string& name) const { return TestMedia::readPicture(path(name)); }
 
