@@ -1,6 +1,6 @@
 #include "ClipPicture.h"
 
-#include "DemoClip.h"
+#include "Commands/DemoClip.h"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "RgbaFrame.h"
+#include "Media/Frames/RgbaFrame.h"
 
 #include <cstddef>
 

@@ -2,9 +2,9 @@
 
 #include "BenchmarkTable.h"
 #include "ClipPicture.h"
-#include "FrameConverter.h"
 #include "LoadedEffect.h"
-#include "PixelDepth.h"
+#include "Options/PixelDepth.h"
+#include "Render/FrameConverter.h"
 
 #include "Runtime/World.h"
 

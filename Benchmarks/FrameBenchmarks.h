@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OpenGLReport.h"
+#include "Commands/OpenGLReport.h"
 
 #include <optional>
 #include <string>

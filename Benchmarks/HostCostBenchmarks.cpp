@@ -2,11 +2,11 @@
 
 #include "BenchmarkTable.h"
 #include "ClipPicture.h"
-#include "FrameConverter.h"
-#include "PixelDepth.h"
-#include "SinkFactory.h"
-#include "SourceFactory.h"
-#include "VideoEncoderChoice.h"
+#include "Media/SinkFactory.h"
+#include "Media/SourceFactory.h"
+#include "Media/Video/VideoEncoderChoice.h"
+#include "Options/PixelDepth.h"
+#include "Render/FrameConverter.h"
 
 #include "Runtime/World.h"
 

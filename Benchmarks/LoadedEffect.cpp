@@ -1,8 +1,8 @@
 #include "LoadedEffect.h"
 
-#include "EffectSettings.h"
-#include "PixelDepth.h"
-#include "StandardOutputCapture.h"
+#include "Media/Pictures/StandardOutputCapture.h"
+#include "Options/EffectSettings.h"
+#include "Options/PixelDepth.h"
 
 #include "Runtime/World.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Commands/OpenGLReport.h"
 #include "ModuleProfiler.h"
-#include "OpenGLReport.h"
 
 #include "Runtime/EffectSession.h"
 #include "Runtime/FrameTime.h"

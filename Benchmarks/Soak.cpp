@@ -12,14 +12,14 @@
 // run.
 
 #include "ClipPicture.h"
-#include "EffectHost.h"
-#include "EffectSettings.h"
-#include "FrameMemory.h"
+#include "Commands/FrameMemory.h"
+#include "Commands/OpenGLReport.h"
+#include "Media/Pictures/StandardOutputCapture.h"
 #include "ModuleProfiler.h"
-#include "OpenGLReport.h"
-#include "PixelDepth.h"
+#include "Options/EffectSettings.h"
+#include "Options/PixelDepth.h"
+#include "Render/EffectHost.h"
 #include "SoakSample.h"
-#include "StandardOutputCapture.h"
 
 #include <chrono>
 #include <cstdlib>

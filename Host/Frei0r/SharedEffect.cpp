@@ -1,7 +1,5 @@
 #include "SharedEffect.h"
 
-#include "Quorvex.h"
-
 #include "Runtime/EffectSession.h"
 #include "Runtime/HostError.h"
 #include "Runtime/HostRuntime.h"

@@ -414,6 +414,12 @@ typedef PF_Err (*PF_EntryPointFunc)(PF_Cmd cmd, PF_InData* in_data, PF_OutData* 
 
 #define PF_ENTRY_POINT_NAME "EntryPointFunc"
 
+/* What every effect module defines, and exports under PF_ENTRY_POINT_NAME.
+   A host loads it by that name; a host that links an effect into itself
+   calls it directly. */
+PF_Err EntryPointFunc(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data, PF_ParamDef* params[],
+                      PF_LayerDef* output, void* extra);
+
 #ifdef __cplusplus
 }
 #endif

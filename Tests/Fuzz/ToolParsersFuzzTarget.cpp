@@ -4,13 +4,13 @@
 // that carries a message; nothing else may leave a parser.
 #include "FuzzInput.h"
 
-#include "EffectSettings.h"
-#include "FrameRange.h"
-#include "FrameRate.h"
-#include "ImageSequencePattern.h"
-#include "NumberText.h"
-#include "PixelDepth.h"
-#include "ToolError.h"
+#include "Options/EffectSettings.h"
+#include "Options/FrameRange.h"
+#include "Options/FrameRate.h"
+#include "Options/ImageSequencePattern.h"
+#include "Options/NumberText.h"
+#include "Options/PixelDepth.h"
+#include "Options/ToolError.h"
 
 #include <cmath>
 #include <functional>
