@@ -113,7 +113,7 @@ TEST_F(MainFrameBufferTest, TargetsAreMadeOnlyWhenTheSizeOrFormatChangesAndGoAtS
     }
     glUseProgram(0);  // a program in use outlives its deletion
     frame().destory();
-    EXPECT_EQ(liveObjects(), before) << "set-down kept a target, or the screen pass its program, vertex array or buffer";
+    EXPECT_EQ(liveObjects(), before) << "set-down kept a target, or the screen pass a program, vertex array or buffer";
 }
 
 TEST_F(MainFrameBufferTest, APopHandsBackWhatWasDrawnGivesUpItsRenderbuffersAndBringsTheLowerLevelBack)
