@@ -3,12 +3,16 @@
 #include "HostTypes.h"
 #include "Support/GLContextTest.h"
 
+#include <gmock/gmock.h>
+
 #include <chrono>
 #include <future>
 #include <thread>
 
 namespace Halvane::Quorvex::Testing {
 namespace {
+
+using ::testing::Throws;
 
 class AEOpenGLContextManagerTest : public GLContextTest {
 protected:
@@ -70,15 +74,9 @@ TEST_F(AEOpenGLContextManagerTest, AFailedCreationIsOneLineAndAThrownIntAndLeave
 {
     AEOpenGLContextManager::setupContextManager();
     GLPlatform::failNextContextCreations(1);
-    int thrown = 0;
-    const std::string errors = standardErrorOf([&] {
-        try {
-            AEOpenGLContextManager::getCurrentRenderContext();
-        } catch (int error) {
-            thrown = error;
-        }
+    const std::string errors = standardErrorOf([] {
+        EXPECT_THAT([] { AEOpenGLContextManager::getCurrentRenderContext(); }, Throws<int>(PF_Err_BAD_CALLBACK_PARAM));
     });
-    EXPECT_EQ(thrown, PF_Err_BAD_CALLBACK_PARAM);
     EXPECT_EQ(occurrences(errors, "\n"), 1u) << errors;
     EXPECT_NE(errors.find("cannot create an OpenGL context: eglCreateContext"), std::string::npos) << errors;
 

