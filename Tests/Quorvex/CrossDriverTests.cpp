@@ -38,20 +38,13 @@ std::vector<Case> Cases()
     // From the first frame to three hours: the sine arguments grow with time.
     const double moments[] = {0.0, 0.28, 7.3, 95.04, 1234.56, 3600.0, 5432.1, 10799.88};
     std::vector<Case> cases;
-    for (PF_PixelFormat format : {PF_PixelFormat_ARGB32, PF_PixelFormat_ARGB64, PF_PixelFormat_ARGB128}) {
+    for (PF_PixelFormat format : kFormats) {
         for (double seconds : moments) {
             cases.push_back({GlitchType::Block, format, seconds, 1.0});
             cases.push_back({GlitchType::BadTV, format, seconds, 1.5});
         }
     }
     return cases;
-}
-
-std::string Describe(const Case& c)
-{
-    const char* depth = c.format == PF_PixelFormat_ARGB32 ? "8-bit" : c.format == PF_PixelFormat_ARGB64 ? "16-bit" : "float";
-    return std::string(depth) + (c.type == GlitchType::Block ? " Block Glitch" : " Bad TV") + " at " +
-           std::to_string(c.seconds) + " s";
 }
 
 // What a driver made of every case: its renderer's name, and each frame's
@@ -126,7 +119,8 @@ protected:
         for (const Case& c : Cases()) {
             const auto input = Picture(c.format);
             World output(kWidth, kHeight, c.format);
-            EXPECT_EQ(render(*input, output, c.seconds, c.type, c.speed), PF_Err_NONE) << Describe(c);
+            EXPECT_EQ(render(*input, output, c.seconds, c.type, c.speed), PF_Err_NONE)
+                << describe(c.format, c.type, c.seconds, c.speed);
             std::vector<float>& levels = driver.frames.emplace_back();
             for (A_long y = 0; y < kHeight; ++y) {
                 for (A_long x = 0; x < kWidth; ++x) {
@@ -191,8 +185,10 @@ TEST_F(CrossDriverTest, FramesAgreeWithSoftpipe)
         }
         const std::size_t pixels = a.size() / 4;
         const double share = static_cast<double>(withinOne) / static_cast<double>(pixels);
-        const std::string what = Describe(cases[i]) + " on " + here.renderer + " and " + there.renderer;
-        if (cases[i].type == GlitchType::Block) {
+        const Case& c = cases[i];
+        const std::string what = describe(c.format, c.type, c.seconds, c.speed) + " on " + here.renderer + " and " +
+                                 there.renderer;
+        if (c.type == GlitchType::Block) {
             EXPECT_GE(share, 0.999) << what << ": largest difference " << worst << " levels";
         } else {
             EXPECT_GE(share, 0.985) << what << ": largest difference " << worst << " levels";
