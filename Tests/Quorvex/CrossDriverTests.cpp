@@ -47,35 +47,32 @@ std::vector<Case> Cases()
     return cases;
 }
 
-// What a driver made of every case: its renderer's name, and each frame's
-// channels in 8-bit levels.
+// What a driver made of all cases: its renderer's name, and every frame's
+// channels in 8-bit levels, one frame after the other.
 struct DriverFrames {
     std::string renderer;
-    std::vector<std::vector<float>> frames;
+    std::vector<float> levels;
 };
+constexpr std::size_t kFrameLevels = kWidth * kHeight * 4;
 
 void Write(const DriverFrames& driver, const std::string& path)
 {
     std::ofstream file(path, std::ios::binary);
     file << driver.renderer << '\n';
-    for (const std::vector<float>& frame : driver.frames) {
-        file.write(reinterpret_cast<const char*>(frame.data()), static_cast<std::streamsize>(frame.size() * sizeof(float)));
-    }
+    file.write(reinterpret_cast<const char*>(driver.levels.data()),
+               static_cast<std::streamsize>(driver.levels.size() * sizeof(float)));
     file.close();
     ASSERT_TRUE(file) << "cannot write " << path;
 }
 
-DriverFrames Read(const std::string& path, std::size_t frames, std::size_t values)
+// No levels where the file does not hold `count` of them.
+DriverFrames Read(const std::string& path, std::size_t count)
 {
     std::ifstream file(path, std::ios::binary);
-    DriverFrames driver;
+    DriverFrames driver{{}, std::vector<float>(count)};
     std::getline(file, driver.renderer);
-    for (std::size_t i = 0; i < frames && file; ++i) {
-        std::vector<float>& frame = driver.frames.emplace_back(values);
-        file.read(reinterpret_cast<char*>(frame.data()), static_cast<std::streamsize>(values * sizeof(float)));
-    }
-    if (!file) {
-        driver.frames.clear();
+    if (!file.read(reinterpret_cast<char*>(driver.levels.data()), static_cast<std::streamsize>(count * sizeof(float)))) {
+        driver.levels.clear();
     }
     return driver;
 }
@@ -121,11 +118,10 @@ protected:
             World output(kWidth, kHeight, c.format);
             EXPECT_EQ(render(*input, output, c.seconds, c.type, c.speed), PF_Err_NONE)
                 << describe(c.format, c.type, c.seconds, c.speed);
-            std::vector<float>& levels = driver.frames.emplace_back();
             for (A_long y = 0; y < kHeight; ++y) {
                 for (A_long x = 0; x < kWidth; ++x) {
                     for (int channel = 0; channel < 4; ++channel) {
-                        levels.push_back(static_cast<float>(HostPixels::get(output, x, y, channel) * 255.0));
+                        driver.levels.push_back(static_cast<float>(HostPixels::get(output, x, y, channel) * 255.0));
                     }
                 }
             }
@@ -162,19 +158,19 @@ TEST_F(CrossDriverTest, FramesAgreeWithSoftpipe)
                       false);
     const ToolResult result = child.wait();
     const std::vector<Case> cases = Cases();
-    const DriverFrames there = Read(frames, cases.size(), here.frames.front().size());
+    const DriverFrames there = Read(frames, cases.size() * kFrameLevels);
     std::remove(frames);
     ASSERT_EQ(result.exitCode, 0) << "the softpipe run failed:\n" << result.out << result.err;
-    ASSERT_EQ(there.frames.size(), cases.size()) << "the softpipe run left no whole set of frames";
+    ASSERT_EQ(there.levels.size(), here.levels.size()) << "the softpipe run left no whole set of frames";
     ASSERT_NE(there.renderer.find("softpipe"), std::string::npos) << "the child ran on " << there.renderer;
     ASSERT_NE(here.renderer, there.renderer) << "both runs drew on one driver";
 
     for (std::size_t i = 0; i < cases.size(); ++i) {
-        const std::vector<float>& a = here.frames[i];
-        const std::vector<float>& b = there.frames[i];
+        const float* a = here.levels.data() + i * kFrameLevels;
+        const float* b = there.levels.data() + i * kFrameLevels;
         std::size_t withinOne = 0;
         float worst = 0.0f;
-        for (std::size_t pixel = 0; pixel < a.size(); pixel += 4) {
+        for (std::size_t pixel = 0; pixel < kFrameLevels; pixel += 4) {
             float difference = 0.0f;
             for (std::size_t channel = pixel; channel < pixel + 4; ++channel) {
                 difference = std::max(difference, std::fabs(a[channel] - b[channel]));
@@ -183,8 +179,7 @@ TEST_F(CrossDriverTest, FramesAgreeWithSoftpipe)
             withinOne += difference <= 1.0f + 1e-3f ? 1 : 0;
             worst = std::max(worst, difference);
         }
-        const std::size_t pixels = a.size() / 4;
-        const double share = static_cast<double>(withinOne) / static_cast<double>(pixels);
+        const double share = static_cast<double>(withinOne) / static_cast<double>(kFrameLevels / 4);
         const Case& c = cases[i];
         const std::string what = describe(c.format, c.type, c.seconds, c.speed) + " on " + here.renderer + " and " +
                                  there.renderer;

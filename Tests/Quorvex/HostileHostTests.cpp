@@ -67,6 +67,9 @@ TEST_F(HostileHostTest, UnusableWorldsAndSpeedsEndTheFrameWithALine)
                       host.failures().fail(HostCall::GetPixelFormat, PF_Err_OUT_OF_MEMORY, 1, 1);
                   },
                   "output world cannot be used: its rows are 80 bytes apart");
+    World oddInput(20, 12, 0x20202020);
+    World oddOutput(20, 12, 0x20202020);
+    expectRefused(oddInput, oddOutput, none, "input world cannot be used: pixel format 0x20202020 is not one of");
     expectRefused(*input, output, none, "Speed nan is not a finite number", std::nan(""));
     expectRefused(*input, output, none, "Speed inf is not a finite number", std::numeric_limits<double>::infinity());
     expectRefused(*input, output, none, "beyond single precision", 1e300);
