@@ -55,7 +55,7 @@ TEST_F(CommandTest, AboutNeedsNoSetupAndAMissingSuiteAnswers516WithoutAMessage)
     EXPECT_EQ(session.globalSetdown(), PF_Err_NONE);
 }
 
-TEST_F(CommandTest, GlobalSetupDeclaresVersionAndFlagsAndRegistersThoughARefusalIsNoFailure)
+TEST_F(CommandTest, SetupDeclaresItselfAndRegistersEvenIfRefusedAndSetdownDisposesHandles)
 {
     PF_OutData out_data;
     std::memset(&out_data, 0, sizeof(out_data));
@@ -68,25 +68,18 @@ TEST_F(CommandTest, GlobalSetupDeclaresVersionAndFlagsAndRegistersThoughARefusal
     EXPECT_EQ(out_data.out_flags2, 0x1400);
     EXPECT_EQ(host.pluginName(), "Quorvex");
     EXPECT_NE(host.pluginId(), 0);
-    EXPECT_EQ(session.globalSetdown(), PF_Err_NONE);
+    // Set-down disposes the handles it is given and leaves the global data to the host.
+    in_data.global_data = out_data.global_data = host.handles().newHandle(16);
+    in_data.sequence_data = out_data.sequence_data = host.handles().newHandle(16);
+    ASSERT_EQ(module.call(PF_Cmd_GLOBAL_SETDOWN, &in_data, &out_data, nullptr, nullptr, nullptr), PF_Err_NONE);
+    EXPECT_EQ(host.handles().openHandles(), 0u);
+    EXPECT_EQ(out_data.sequence_data, nullptr);
+    EXPECT_EQ(out_data.global_data, in_data.global_data);
 
     host.failures().fail(HostCall::RegisterWithAEGP, A_Err_GENERIC);
     EXPECT_EQ(session.globalSetup(), PF_Err_NONE);
     EXPECT_EQ(host.failures().calls(HostCall::RegisterWithAEGP), 2);
     EXPECT_EQ(session.globalSetdown(), PF_Err_NONE);
-}
-
-TEST_F(CommandTest, GlobalSetdownDisposesTheHandlesItIsGivenAndLeavesTheGlobalDataToTheHost)
-{
-    PF_InData in_data = host.inData();
-    PF_OutData out_data;
-    in_data.global_data = host.handles().newHandle(16);
-    in_data.sequence_data = host.handles().newHandle(16);
-    std::memset(&out_data, 0x5A, sizeof(out_data));
-    ASSERT_EQ(module.call(PF_Cmd_GLOBAL_SETDOWN, &in_data, &out_data, nullptr, nullptr, nullptr), PF_Err_NONE);
-    EXPECT_EQ(host.handles().openHandles(), 0u);
-    EXPECT_EQ(out_data.sequence_data, nullptr);
-    EXPECT_NE(out_data.global_data, nullptr);
 }
 
 }  // namespace
