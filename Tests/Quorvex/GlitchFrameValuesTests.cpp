@@ -11,14 +11,10 @@
 namespace Halvane::Quorvex::Testing {
 namespace {
 
-struct PinnedBand {
-    float bottom, height, top, shift;
-};
-
 struct PinnedBlockGlitch {
     int seconds, speed;
     float tick;
-    std::array<PinnedBand, BlockGlitchValues::kBands> bands;
+    std::array<std::array<float, 4>, BlockGlitchValues::kBands> bands;  // bottom, height, top, shift
     float channelRandom;
     int channel;
     std::array<float, 2> channelOffset;
@@ -109,10 +105,10 @@ TEST(GlitchFrameValuesTest, BlockGlitchValuesAreThoseOfTheDefinition)
         const std::string at = Moment(pinned.seconds, pinned.speed);
         EXPECT_EQ(values.tick, pinned.tick) << at;
         for (int band = 0; band < BlockGlitchValues::kBands; ++band) {
-            EXPECT_EQ(values.bandBottom[band], pinned.bands[band].bottom) << at << ", band " << band;
-            EXPECT_EQ(values.bandHeight[band], pinned.bands[band].height) << at << ", band " << band;
-            EXPECT_EQ(values.bandTop[band], pinned.bands[band].top) << at << ", band " << band;
-            EXPECT_EQ(values.bandShift[band], pinned.bands[band].shift) << at << ", band " << band;
+            EXPECT_EQ((std::array<float, 4>{values.bandBottom[band], values.bandHeight[band], values.bandTop[band],
+                                            values.bandShift[band]}),
+                      pinned.bands[band])
+                << at << ", band " << band;
         }
         EXPECT_EQ(values.channelRandom, pinned.channelRandom) << at;
         EXPECT_EQ(values.channel, pinned.channel) << at;
