@@ -10,6 +10,7 @@
 #include <OpenImageIO/detail/pugixml/pugixml.hpp>
 
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -21,33 +22,21 @@ namespace {
 const std::string kEditors = QUORVEX_EDITOR_DESCRIPTIONS;
 const std::string kShotcutFolder = kEditors + "/shotcut/quorvex";
 
+// A parameter as the plug-in tells MLT: its index, range and default.
 struct PluginParameter {
-    std::string title;
+    int index = -1;
     double minimum = NAN;
     double maximum = NAN;
     double defaultValue = NAN;
 };
-
-struct PluginInformation {
-    std::string title;
-    std::map<int, PluginParameter> parameters;
-};
+// The plug-in's parameters by title.
+using PluginParameters = std::map<std::string, PluginParameter>;
 
 std::string FileText(const std::string& path)
 {
     std::stringstream text;
     text << std::ifstream(path).rdbuf();
     return text.str();
-}
-
-std::vector<std::string> Split(const std::string& list, char separator)
-{
-    std::vector<std::string> items;
-    std::istringstream text(list);
-    for (std::string item; std::getline(text, item, separator);) {
-        items.push_back(item);
-    }
-    return items;
 }
 
 // The first capture of `pattern` in `text`, or "" where it does not match.
@@ -66,15 +55,14 @@ std::string QmlValueAfter(const std::string& qml, const std::string& id, const s
 
 class EditorDescriptionTest : public Frei0rHostTest {
 protected:
-    // MLT's YAML of the plug-in, read line by line: the plug-in's title and,
-    // by identifier, each parameter's title, range and default.
-    PluginInformation queryPlugin() const
+    // MLT's YAML of the plug-in, read line by line; expects the plug-in's title to be `title`.
+    PluginParameters queryPlugin(const std::string& title) const
     {
         const ToolResult query = runHost("melt", {"-query", "filter=frei0r.quorvex"});
         EXPECT_TRUE(Succeeded(query));
-        PluginInformation plugin;
+        std::string pluginTitle;
+        std::vector<std::pair<std::string, PluginParameter>> parameters;
         std::istringstream lines(query.out);
-        PluginParameter* parameter = nullptr;
         for (std::string line; std::getline(lines, line);) {
             std::smatch field;
             if (!std::regex_match(line, field, std::regex("( *)(- )?(\\w+): \"?(.*?)\"?"))) {
@@ -82,12 +70,13 @@ protected:
             }
             const std::string key = field[3];
             const std::string value = field[4];
+            PluginParameter* parameter = parameters.empty() ? nullptr : &parameters.back().second;
             if (field[1].length() == 0 && key == "title") {
-                plugin.title = value;
+                pluginTitle = value;
             } else if (key == "identifier" && field[2].matched) {
-                parameter = &plugin.parameters[std::stoi(value)];
+                parameters.emplace_back().second.index = std::stoi(value);
             } else if (parameter && key == "title") {
-                parameter->title = value;
+                parameters.back().first = value;
             } else if (parameter && key == "minimum") {
                 parameter->minimum = std::stod(value);
             } else if (parameter && key == "maximum") {
@@ -96,41 +85,21 @@ protected:
                 parameter->defaultValue = std::stod(value);
             }
         }
-        EXPECT_EQ(plugin.title, "Quorvex") << query.out;
-        return plugin;
-    }
-
-    // The plug-in's index of the parameter it calls `title`; -1 where none.
-    static int indexOf(const PluginInformation& plugin, const std::string& title)
-    {
-        for (const auto& [index, parameter] : plugin.parameters) {
-            if (parameter.title == title) {
-                return index;
-            }
-        }
-        return -1;
-    }
-
-    // The plug-in's parameter called `title`; a failure and an empty one where none.
-    static PluginParameter parameterNamed(const PluginInformation& plugin, const std::string& title)
-    {
-        const auto found = plugin.parameters.find(indexOf(plugin, title));
-        EXPECT_NE(found, plugin.parameters.end()) << "the plug-in has no parameter \"" << title << "\"";
-        return found == plugin.parameters.end() ? PluginParameter{} : found->second;
+        EXPECT_EQ(pluginTitle, title) << query.out;
+        return {parameters.begin(), parameters.end()};
     }
 };
 
 TEST_F(EditorDescriptionTest, KdenliveShowsThePluginsParametersInTheEffectsUnits)
 {
-    const PluginInformation plugin = queryPlugin();
+    PluginParameters plugin = queryPlugin("Quorvex");
     pugi::xml_document document;
     const std::string file = kEditors + "/kdenlive/frei0r_quorvex.xml";
     ASSERT_TRUE(document.load_file(file.c_str())) << file;
     const pugi::xml_node effect = document.child("effect");
-    EXPECT_STREQ(effect.attribute("tag").value(), "frei0r.quorvex");
-    EXPECT_STREQ(effect.attribute("id").value(), "frei0r.quorvex");
-    EXPECT_STREQ(effect.attribute("type").value(), "video");
-    EXPECT_EQ(effect.child_value("name"), plugin.title);
+    EXPECT_EQ((std::vector<std::string>{effect.attribute("tag").value(), effect.attribute("id").value(),
+                                        effect.attribute("type").value(), effect.child_value("name")}),
+              (std::vector<std::string>{"frei0r.quorvex", "frei0r.quorvex", "video", "Quorvex"}));
     const std::string description = effect.child_value("description");
     EXPECT_FALSE(description.empty());
     EXPECT_EQ(description.find('\n'), std::string::npos) << description;
@@ -141,63 +110,61 @@ TEST_F(EditorDescriptionTest, KdenliveShowsThePluginsParametersInTheEffectsUnits
     for (const pugi::xml_node& parameter : effect.children("parameter")) {
         const std::string title = parameter.child_value("name");
         SCOPED_TRACE(title);
-        ASSERT_NE(indexOf(plugin, title), -1) << "the plug-in has no parameter named so";
-        EXPECT_EQ(parameter.attribute("name").as_int(-1), indexOf(plugin, title));
+        ASSERT_EQ(plugin.count(title), 1u) << "the plug-in has no parameter named so";
+        EXPECT_EQ(parameter.attribute("name").as_int(-1), plugin[title].index);
         byTitle[title] = parameter;
     }
-    ASSERT_EQ(byTitle.size(), plugin.parameters.size());
+    ASSERT_EQ(byTitle.size(), plugin.size());
 
     const pugi::xml_node type = byTitle["Glitch Type"];
     EXPECT_STREQ(type.attribute("type").value(), "list");
-    const std::vector<std::string> values = Split(type.attribute("paramlist").value(), ';');
-    ASSERT_EQ(Split(type.child_value("paramlistdisplay"), ','), (std::vector<std::string>{"Block Glitch", "Bad TV"}));
-    ASSERT_EQ(values.size(), 2u);
-    EXPECT_LT(std::stod(values[0]), 0.5);
-    EXPECT_GE(std::stod(values[1]), 0.5);
-    EXPECT_LE(std::stod(values[1]), parameterNamed(plugin, "Glitch Type").maximum);
-    EXPECT_EQ(type.attribute("default").as_double(-1), parameterNamed(plugin, "Glitch Type").defaultValue);
+    EXPECT_STREQ(type.child_value("paramlistdisplay"), "Block Glitch,Bad TV");
+    double values[2] = {NAN, NAN};
+    char more = 0;
+    ASSERT_EQ(std::sscanf(type.attribute("paramlist").value(), "%lf;%lf%c", &values[0], &values[1], &more), 2)
+        << "a value for each item";
+    EXPECT_LT(values[0], 0.5);
+    EXPECT_GE(values[1], 0.5);
+    EXPECT_LE(values[1], plugin["Glitch Type"].maximum);
+    EXPECT_EQ(type.attribute("default").as_double(-1), plugin["Glitch Type"].defaultValue);
 
     const pugi::xml_node speed = byTitle["Speed"];
-    const PluginParameter pluginSpeed = parameterNamed(plugin, "Speed");
     EXPECT_STREQ(speed.attribute("type").value(), "animated");
-    const double factor = speed.attribute("factor").as_double();
-    EXPECT_EQ(factor, 3);
-    EXPECT_EQ(speed.attribute("min").as_double(-1) / factor, pluginSpeed.minimum);
-    EXPECT_EQ(speed.attribute("max").as_double() / factor, pluginSpeed.maximum);
-    EXPECT_NEAR(speed.attribute("default").as_double() * factor, 1.0, 1e-6);
-    EXPECT_NEAR(speed.attribute("default").as_double(), pluginSpeed.defaultValue, 1e-6);
+    EXPECT_EQ(std::vector<double>({speed.attribute("factor").as_double(), speed.attribute("min").as_double(-1) / 3,
+                                   speed.attribute("max").as_double() / 3}),
+              std::vector<double>({3, plugin["Speed"].minimum, plugin["Speed"].maximum}));
+    EXPECT_NEAR(speed.attribute("default").as_double() * 3, 1.0, 1e-6);
+    EXPECT_NEAR(speed.attribute("default").as_double(), plugin["Speed"].defaultValue, 1e-6);
 
     const pugi::xml_node seed = byTitle["Seed"];
-    const PluginParameter pluginSeed = parameterNamed(plugin, "Seed");
-    EXPECT_EQ(seed.attribute("factor").as_double(), 999);
-    EXPECT_EQ(seed.attribute("decimals").as_int(-1), 0);
-    EXPECT_EQ(seed.attribute("min").as_double(-1), 0);
-    EXPECT_EQ(seed.attribute("max").as_double() / 999, pluginSeed.maximum);
-    EXPECT_EQ(seed.attribute("default").as_double(-1), pluginSeed.defaultValue);
+    EXPECT_EQ(std::vector<double>({seed.attribute("factor").as_double(), seed.attribute("decimals").as_double(-1),
+                                   seed.attribute("min").as_double(-1), seed.attribute("max").as_double() / 999,
+                                   seed.attribute("default").as_double(-1)}),
+              std::vector<double>({999, 0, 0, plugin["Seed"].maximum, plugin["Seed"].defaultValue}));
 }
 
 TEST_F(EditorDescriptionTest, ShotcutShowsThePluginsParametersInTheEffectsUnits)
 {
-    const PluginInformation plugin = queryPlugin();
+    PluginParameters plugin = queryPlugin("Quorvex");
     const std::string meta = FileText(kShotcutFolder + "/meta.qml");
     const std::string ui = FileText(kShotcutFolder + "/ui.qml");
     ASSERT_FALSE(meta.empty());
     ASSERT_FALSE(ui.empty());
 
     EXPECT_EQ(Find(meta, "mlt_service:\\s*\"([^\"]+)\""), "frei0r.quorvex");
-    EXPECT_EQ(Find(meta, "Metadata \\{[^{}]*name:\\s*\"([^\"]+)\""), plugin.title);
+    EXPECT_EQ(Find(meta, "Metadata \\{[^{}]*name:\\s*\"([^\"]+)\""), "Quorvex");
     EXPECT_EQ(Find(meta, "qml:\\s*\"([^\"]+)\""), "ui.qml");
     // The keyframable parameter of the keyframes panel is Speed.
     const std::string keyframed = Find(meta, "Parameter \\{[^}]*property:\\s*'(\\d+)'");
     ASSERT_FALSE(keyframed.empty());
-    EXPECT_EQ(std::stoi(keyframed), indexOf(plugin, "Speed"));
+    EXPECT_EQ(std::stoi(keyframed), plugin["Speed"].index);
     EXPECT_EQ(Find(meta, "Parameter \\{[^}]*name:\\s*'([^']+)'"), "Speed");
 
     // Each parameter's property and label, by the plug-in's names.
     for (const auto& [property, title] : {std::pair{"glitchType", "Glitch Type"}, {"speed", "Speed"}, {"seed", "Seed"}}) {
         SCOPED_TRACE(title);
         EXPECT_EQ(Find(ui, std::string("property string ") + property + ":\\s*'(\\d+)'"),
-                  std::to_string(indexOf(plugin, title)));
+                  std::to_string(plugin[title].index));
         EXPECT_NE(ui.find(std::string("text: '") + title + "'"), std::string::npos);
     }
 
@@ -205,20 +172,15 @@ TEST_F(EditorDescriptionTest, ShotcutShowsThePluginsParametersInTheEffectsUnits)
     EXPECT_NE(ui.find("filter.set(glitchType, index)"), std::string::npos) << "item i writes i";
     EXPECT_EQ(Find(ui, "property double glitchTypeDefault:\\s*(\\S+)"), "0");
 
-    const PluginParameter pluginSpeed = parameterNamed(plugin, "Speed");
-    const PluginParameter pluginSeed = parameterNamed(plugin, "Seed");
     const double speedFactor = std::stod(Find(ui, "property double speedFactor:\\s*(\\S+)"));
     EXPECT_EQ(speedFactor, 3);
-    EXPECT_EQ(std::stod(QmlValueAfter(ui, "speedSlider", "minimumValue")) / speedFactor,
-              pluginSpeed.minimum);
-    EXPECT_EQ(std::stod(QmlValueAfter(ui, "speedSlider", "maximumValue")) / speedFactor,
-              pluginSpeed.maximum);
+    EXPECT_EQ(std::stod(QmlValueAfter(ui, "speedSlider", "minimumValue")) / speedFactor, plugin["Speed"].minimum);
+    EXPECT_EQ(std::stod(QmlValueAfter(ui, "speedSlider", "maximumValue")) / speedFactor, plugin["Speed"].maximum);
     EXPECT_EQ(Find(ui, "property double speedDefault:\\s*([^\\n]+)"), "1 / speedFactor");
 
     const double seedFactor = std::stod(Find(ui, "property double seedFactor:\\s*(\\S+)"));
     EXPECT_EQ(seedFactor, 999);
-    EXPECT_EQ(std::stod(QmlValueAfter(ui, "seedSlider", "maximumValue")) / seedFactor,
-              pluginSeed.maximum);
+    EXPECT_EQ(std::stod(QmlValueAfter(ui, "seedSlider", "maximumValue")) / seedFactor, plugin["Seed"].maximum);
     EXPECT_EQ(QmlValueAfter(ui, "seedSlider", "decimals"), "0");
     EXPECT_EQ(QmlValueAfter(ui, "seedSlider", "stepSize"), "1");
 

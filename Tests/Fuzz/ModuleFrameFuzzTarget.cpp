@@ -4,6 +4,7 @@
 #include "FuzzInput.h"
 
 #include "GL/GLPlatform.h"
+#include "GL/HostPixels.h"
 #include "Runtime/EffectSession.h"
 #include "Runtime/HostRuntime.h"
 #include "Runtime/PluginModule.h"
@@ -90,15 +91,6 @@ void Tamper(FuzzInput& input, PF_EffectWorld& record, std::size_t pixelSize)
     }
 }
 
-std::vector<unsigned char> PixelsOf(World& world)
-{
-    std::vector<unsigned char> bytes;
-    for (A_long y = 0; y < world.height(); ++y) {
-        bytes.insert(bytes.end(), world.row(y), world.row(y) + world.rowBytes());
-    }
-    return bytes;
-}
-
 void InjectFailures(FuzzInput& input, Host::FailureInjector& failures)
 {
     // Not CheckinParam: a refused check-in stays checked out by this host's books, whatever the effect does.
@@ -142,7 +134,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const PF_EffectWorld sourceRecord = *source->layer();
     const PF_EffectWorld outputRecord = *output->layer();
-    const std::vector<unsigned char> sourcePixels = PixelsOf(*source);
+    const std::vector<unsigned char> sourcePixels = HostPixels::bytes(*source);
     Tamper(input, *source->layer(), source->pixelSize());
     Tamper(input, *output->layer(), output->pixelSize());
 
@@ -161,7 +153,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(effect.host.handles().openHandles() == 0, "the frame kept a handle");
     Require(effect.host.handles().misuses() == 0, "the frame misused a handle");
     Require(effect.host.openParamCheckouts() == 0, "the frame kept a parameter checked out");
-    Require(PixelsOf(*source) == sourcePixels, "the frame wrote into its input");
+    Require(HostPixels::bytes(*source) == sourcePixels, "the frame wrote into its input");
     Require(!truePadding || output->paddingIntact(), "the frame wrote past the output's rows");
     return 0;
 }

@@ -55,7 +55,7 @@ TEST_F(CommandTest, AboutNeedsNoSetupAndAMissingSuiteAnswers516WithoutAMessage)
     EXPECT_EQ(session.globalSetdown(), PF_Err_NONE);
 }
 
-TEST_F(CommandTest, GlobalSetupDeclaresVersionAndFlagsAndRegistersThoughARefusalIsNoFailure)
+TEST_F(CommandTest, SetupDeclaresItselfAndRegistersEvenIfRefusedAndSetdownDisposesHandles)
 {
     PF_OutData out_data;
     std::memset(&out_data, 0, sizeof(out_data));
@@ -68,7 +68,13 @@ TEST_F(CommandTest, GlobalSetupDeclaresVersionAndFlagsAndRegistersThoughARefusal
     EXPECT_EQ(out_data.out_flags2, 0x1400);
     EXPECT_EQ(host.pluginName(), "Quorvex");
     EXPECT_NE(host.pluginId(), 0);
-    EXPECT_EQ(session.globalSetdown(), PF_Err_NONE);
+    // Set-down disposes the handles it is given and leaves the global data to the host.
+    in_data.global_data = out_data.global_data = host.handles().newHandle(16);
+    in_data.sequence_data = out_data.sequence_data = host.handles().newHandle(16);
+    ASSERT_EQ(module.call(PF_Cmd_GLOBAL_SETDOWN, &in_data, &out_data, nullptr, nullptr, nullptr), PF_Err_NONE);
+    EXPECT_EQ(host.handles().openHandles(), 0u);
+    EXPECT_EQ(out_data.sequence_data, nullptr);
+    EXPECT_EQ(out_data.global_data, in_data.global_data);
 
     host.failures().fail(HostCall::RegisterWithAEGP, A_Err_GENERIC);
     EXPECT_EQ(session.globalSetup(), PF_Err_NONE);
@@ -76,17 +82,31 @@ TEST_F(CommandTest, GlobalSetupDeclaresVersionAndFlagsAndRegistersThoughARefusal
     EXPECT_EQ(session.globalSetdown(), PF_Err_NONE);
 }
 
-TEST_F(CommandTest, GlobalSetdownDisposesTheHandlesItIsGivenAndLeavesTheGlobalDataToTheHost)
+// The two parameters as a host reads them, and what a refused add does.
+TEST_F(CommandTest, ParamsSetupAddsGlitchTypeThenSpeedAndStopsAtAFailingAdd)
 {
-    PF_InData in_data = host.inData();
-    PF_OutData out_data;
-    in_data.global_data = host.handles().newHandle(16);
-    in_data.sequence_data = host.handles().newHandle(16);
-    std::memset(&out_data, 0x5A, sizeof(out_data));
-    ASSERT_EQ(module.call(PF_Cmd_GLOBAL_SETDOWN, &in_data, &out_data, nullptr, nullptr, nullptr), PF_Err_NONE);
-    EXPECT_EQ(host.handles().openHandles(), 0u);
-    EXPECT_EQ(out_data.sequence_data, nullptr);
-    EXPECT_NE(out_data.global_data, nullptr);
+    ASSERT_EQ(session.paramsSetup(), PF_Err_NONE);
+    EXPECT_EQ(session.outData().num_params, 3);
+    ASSERT_EQ(host.parameters().size(), 2u);
+    // Saved projects find a parameter by its id.
+    const PF_ParamDef& glitch = host.parameter(1).definition();
+    EXPECT_EQ(host.parameter(1).name(), "Glitch Type");
+    EXPECT_EQ(host.parameter(1).choices(), (std::vector<std::string>{"Block Glitch", "Bad TV"}));
+    EXPECT_EQ(std::vector<int>({glitch.param_type, glitch.uu.id, glitch.u.pd.value, glitch.u.pd.dephault}),
+              std::vector<int>({PF_Param_POPUP, 1, 1, 1}));
+    const PF_ParamDef& speed = host.parameter(2).definition();
+    const PF_FloatSliderDef& slider = speed.u.fs_d;
+    EXPECT_EQ(host.parameter(2).name(), "Speed");
+    const int flags = static_cast<int>(slider.display_flags | slider.fs_flags | speed.flags | speed.ui_flags);
+    EXPECT_EQ(std::vector<int>({speed.param_type, speed.uu.id, slider.precision, flags}),
+              std::vector<int>({PF_Param_FLOAT_SLIDER, 2, PF_Precision_TENTHS, 0}));
+    EXPECT_EQ(std::vector<double>({slider.value, slider.dephault, slider.valid_min, slider.slider_min,
+                                   slider.valid_max, slider.slider_max, slider.curve_tolerance}),
+              std::vector<double>({1.0, 1.0, 0.0, 0.0, 3.0, 3.0, 0.05f}));
+
+    host.failures().fail(HostCall::AddParam, PF_Err_OUT_OF_MEMORY, 1, 1);
+    EXPECT_EQ(session.paramsSetup(), PF_Err_OUT_OF_MEMORY);
+    EXPECT_EQ(host.parameters().size(), 1u) << "an add after the failing one";
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ std::vector<Case> Cases()
     // From the first frame to three hours: the sine arguments grow with time.
     const double moments[] = {0.0, 0.28, 7.3, 95.04, 1234.56, 3600.0, 5432.1, 10799.88};
     std::vector<Case> cases;
-    for (PF_PixelFormat format : {PF_PixelFormat_ARGB32, PF_PixelFormat_ARGB64, PF_PixelFormat_ARGB128}) {
+    for (PF_PixelFormat format : kFormats) {
         for (double seconds : moments) {
             cases.push_back({GlitchType::Block, format, seconds, 1.0});
             cases.push_back({GlitchType::BadTV, format, seconds, 1.5});
@@ -47,91 +47,75 @@ std::vector<Case> Cases()
     return cases;
 }
 
-std::string Describe(const Case& c)
-{
-    const char* depth = c.format == PF_PixelFormat_ARGB32 ? "8-bit" : c.format == PF_PixelFormat_ARGB64 ? "16-bit" : "float";
-    return std::string(depth) + (c.type == GlitchType::Block ? " Block Glitch" : " Bad TV") + " at " +
-           std::to_string(c.seconds) + " s";
-}
-
-// What a driver made of every case: its renderer's name, and each frame's
-// channels in 8-bit levels.
+// What a driver made of all cases: its renderer's name, and every frame's
+// channels in 8-bit levels, one frame after the other.
 struct DriverFrames {
     std::string renderer;
-    std::vector<std::vector<float>> frames;
+    std::vector<float> levels;
 };
+constexpr std::size_t kFrameLevels = kWidth * kHeight * 4;
 
 void Write(const DriverFrames& driver, const std::string& path)
 {
     std::ofstream file(path, std::ios::binary);
     file << driver.renderer << '\n';
-    for (const std::vector<float>& frame : driver.frames) {
-        file.write(reinterpret_cast<const char*>(frame.data()), static_cast<std::streamsize>(frame.size() * sizeof(float)));
-    }
+    file.write(reinterpret_cast<const char*>(driver.levels.data()),
+               static_cast<std::streamsize>(driver.levels.size() * sizeof(float)));
     file.close();
     ASSERT_TRUE(file) << "cannot write " << path;
 }
 
-DriverFrames Read(const std::string& path, std::size_t frames, std::size_t values)
+// No levels where the file does not hold `count` of them.
+DriverFrames Read(const std::string& path, std::size_t count)
 {
     std::ifstream file(path, std::ios::binary);
-    DriverFrames driver;
+    DriverFrames driver{{}, std::vector<float>(count)};
     std::getline(file, driver.renderer);
-    for (std::size_t i = 0; i < frames && file; ++i) {
-        std::vector<float>& frame = driver.frames.emplace_back(values);
-        file.read(reinterpret_cast<char*>(frame.data()), static_cast<std::streamsize>(values * sizeof(float)));
-    }
-    if (!file) {
-        driver.frames.clear();
+    if (!file.read(reinterpret_cast<char*>(driver.levels.data()), static_cast<std::streamsize>(count * sizeof(float)))) {
+        driver.levels.clear();
     }
     return driver;
 }
 
-// Hard edges as well as gradients, so that every tap of the texture filter
-// counts: colour bars across the top, a disc, and a fine checker at the
-// bottom, over the smooth test picture; alpha from 0.55 to 1.
-std::unique_ptr<World> Picture(PF_PixelFormat format)
-{
-    auto world = std::make_unique<World>(kWidth, kHeight, format);
-    HostPixels::fill(*world, [](A_long x, A_long y, int channel) {
-        const double fx = static_cast<double>(x) / kWidth;
-        const double fy = static_cast<double>(y) / kHeight;
-        if (channel == 0) {
-            return 0.55 + 0.45 * (fx + fy) / 2.0;
-        }
-        if (fy < 0.3) {
-            const int bar = static_cast<int>(fx * 8.0);
-            return (bar >> (channel - 1)) & 1 ? 0.9 : 0.1;
-        }
-        const double dx = fx - 0.6;
-        const double dy = fy - 0.55;
-        if (dx * dx + dy * dy < 0.03) {
-            return channel == 1 ? 0.95 : 0.2;
-        }
-        if (fy > 0.8) {
-            return ((x / 2 + y / 2) & 1) != 0 ? 0.8 : 0.25;
-        }
-        const double smooth[3] = {0.15 + 0.7 * fx, 0.2 + 0.6 * fy, 0.5 + 0.35 * std::sin(6.0 * fx + 4.0 * fy)};
-        return smooth[channel - 1];
-    });
-    return world;
-}
-
 class CrossDriverTest : public RenderingModuleTest {
 protected:
+    // Hard edges as well as gradients, so that every tap of the texture filter
+    // counts: colour bars across the top, a disc, and a fine checker at the
+    // bottom, over the smooth test picture.
+    static std::unique_ptr<World> picture(PF_PixelFormat format)
+    {
+        auto world = makePicture(kWidth, kHeight, format);
+        World& smooth = *world;
+        HostPixels::fill(smooth, [&smooth](A_long x, A_long y, int channel) {
+            const double fx = static_cast<double>(x) / kWidth;
+            const double fy = static_cast<double>(y) / kHeight;
+            if (channel != 0 && fy < 0.3) {
+                return (static_cast<int>(fx * 8.0) >> (channel - 1)) & 1 ? 0.9 : 0.1;
+            }
+            if (channel != 0 && (fx - 0.6) * (fx - 0.6) + (fy - 0.55) * (fy - 0.55) < 0.03) {
+                return channel == 1 ? 0.95 : 0.2;
+            }
+            if (channel != 0 && fy > 0.8) {
+                return ((x / 2 + y / 2) & 1) != 0 ? 0.8 : 0.25;
+            }
+            return HostPixels::get(smooth, x, y, channel);
+        });
+        return world;
+    }
+
     DriverFrames renderAll()
     {
         DriverFrames driver;
         driver.renderer = reinterpret_cast<const char*>(gl::glGetString(gl::GL_RENDERER));
         for (const Case& c : Cases()) {
-            const auto input = Picture(c.format);
+            const auto input = picture(c.format);
             World output(kWidth, kHeight, c.format);
-            EXPECT_EQ(render(*input, output, c.seconds, c.type, c.speed), PF_Err_NONE) << Describe(c);
-            std::vector<float>& levels = driver.frames.emplace_back();
+            EXPECT_EQ(render(*input, output, c.seconds, c.type, c.speed), PF_Err_NONE)
+                << describe(c.format, c.type, c.seconds, c.speed);
             for (A_long y = 0; y < kHeight; ++y) {
                 for (A_long x = 0; x < kWidth; ++x) {
                     for (int channel = 0; channel < 4; ++channel) {
-                        levels.push_back(static_cast<float>(HostPixels::get(output, x, y, channel) * 255.0));
+                        driver.levels.push_back(static_cast<float>(HostPixels::get(output, x, y, channel) * 255.0));
                     }
                 }
             }
@@ -168,19 +152,19 @@ TEST_F(CrossDriverTest, FramesAgreeWithSoftpipe)
                       false);
     const ToolResult result = child.wait();
     const std::vector<Case> cases = Cases();
-    const DriverFrames there = Read(frames, cases.size(), here.frames.front().size());
+    const DriverFrames there = Read(frames, cases.size() * kFrameLevels);
     std::remove(frames);
     ASSERT_EQ(result.exitCode, 0) << "the softpipe run failed:\n" << result.out << result.err;
-    ASSERT_EQ(there.frames.size(), cases.size()) << "the softpipe run left no whole set of frames";
+    ASSERT_EQ(there.levels.size(), here.levels.size()) << "the softpipe run left no whole set of frames";
     ASSERT_NE(there.renderer.find("softpipe"), std::string::npos) << "the child ran on " << there.renderer;
     ASSERT_NE(here.renderer, there.renderer) << "both runs drew on one driver";
 
     for (std::size_t i = 0; i < cases.size(); ++i) {
-        const std::vector<float>& a = here.frames[i];
-        const std::vector<float>& b = there.frames[i];
+        const float* a = here.levels.data() + i * kFrameLevels;
+        const float* b = there.levels.data() + i * kFrameLevels;
         std::size_t withinOne = 0;
         float worst = 0.0f;
-        for (std::size_t pixel = 0; pixel < a.size(); pixel += 4) {
+        for (std::size_t pixel = 0; pixel < kFrameLevels; pixel += 4) {
             float difference = 0.0f;
             for (std::size_t channel = pixel; channel < pixel + 4; ++channel) {
                 difference = std::max(difference, std::fabs(a[channel] - b[channel]));
@@ -189,10 +173,11 @@ TEST_F(CrossDriverTest, FramesAgreeWithSoftpipe)
             withinOne += difference <= 1.0f + 1e-3f ? 1 : 0;
             worst = std::max(worst, difference);
         }
-        const std::size_t pixels = a.size() / 4;
-        const double share = static_cast<double>(withinOne) / static_cast<double>(pixels);
-        const std::string what = Describe(cases[i]) + " on " + here.renderer + " and " + there.renderer;
-        if (cases[i].type == GlitchType::Block) {
+        const double share = static_cast<double>(withinOne) / static_cast<double>(kFrameLevels / 4);
+        const Case& c = cases[i];
+        const std::string what = describe(c.format, c.type, c.seconds, c.speed) + " on " + here.renderer + " and " +
+                                 there.renderer;
+        if (c.type == GlitchType::Block) {
             EXPECT_GE(share, 0.999) << what << ": largest difference " << worst << " levels";
         } else {
             EXPECT_GE(share, 0.985) << what << ": largest difference " << worst << " levels";

@@ -7,33 +7,27 @@
 
 #include <array>
 #include <string>
-#include <vector>
 
 namespace Halvane::Quorvex::Testing {
 namespace {
 
-struct PinnedBand {
-    float bottom, height, top, shift;
-};
-
 struct PinnedBlockGlitch {
     int seconds, speed;
     float tick;
-    std::array<PinnedBand, BlockGlitchValues::kBands> bands;
+    std::array<std::array<float, 4>, BlockGlitchValues::kBands> bands;  // bottom, height, top, shift
     float channelRandom;
     int channel;
     std::array<float, 2> channelOffset;
 };
 
-struct PinnedRow {
-    int row;
-    float tears, offset;
-};
+// The rows of a frame of 1,080 whose values are pinned.
+constexpr int kPinnedRows[] = {0, 1, 2, 7, 100, 719, 1079};
 
 struct PinnedBadTV {
     int seconds, speed;
     float rnd;
-    std::vector<PinnedRow> rows;
+    const char* tears;  // of each pinned row, 1 or 0
+    std::array<float, std::size(kPinnedRows)> offsets;
 };
 
 // Standing still (0 s, or Speed 0) is tick 0 and rnd 0 whenever it is.
@@ -46,8 +40,7 @@ PinnedBlockGlitch Still(int seconds, int speed)
 
 PinnedBadTV StillTV(int seconds, int speed)
 {
-    return {seconds, speed, 0.0f, {{0, 0.0f, 0.0f}, {1, 0.0f, 0.0f}, {2, 0.0f, 0.0f}, {7, 0.0f, 0.0f},
-                                   {100, 0.0f, 0.0f}, {719, 0.0f, 0.0f}, {1079, 0.0f, 0.0f}}};
+    return {seconds, speed, 0.0f, "0000000", {0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f}};
 }
 
 // At 0, 1, 1,000 and 3,600 s and Speed 0, 1 and 3. Among them: a band whose
@@ -79,26 +72,20 @@ const PinnedBlockGlitch kBlockGlitch[] = {
 
 const PinnedBadTV kBadTV[] = {
     StillTV(0, 0), StillTV(0, 1), StillTV(0, 3), StillTV(1, 0),
-    {1, 1, 2.75f,
-     {{0, 1.0f, 0.994499505f}, {1, 1.0f, 2.85343719f}, {2, 1.0f, 4.33920002f}, {7, 1.0f, 2.2141211f},
-      {100, 1.0f, -5.02838182f}, {719, 1.0f, -4.253613f}, {1079, 1.0f, 0.841705024f}}},
-    {1, 3, 0.2734375f,
-     {{0, 1.0f, -0.391339213f}, {1, 1.0f, -0.372443169f}, {2, 1.0f, 0.40932253f}, {7, 1.0f, 0.310728699f},
-      {100, 1.0f, 0.038512595f}, {719, 1.0f, 0.421482384f}, {1079, 1.0f, -0.0801433176f}}},
+    {1, 1, 2.75f, "1111111",
+     {0.994499505f, 2.85343719f, 4.33920002f, 2.2141211f, -5.02838182f, -4.253613f, 0.841705024f}},
+    {1, 3, 0.2734375f, "1111111",
+     {-0.391339213f, -0.372443169f, 0.40932253f, 0.310728699f, 0.038512595f, 0.421482384f, -0.0801433176f}},
     StillTV(1000, 0),
-    {1000, 1, 2.96875f,
-     {{0, 1.0f, -5.58590794f}, {1, 1.0f, 3.01831007f}, {2, 1.0f, 0.936891437f}, {7, 1.0f, 2.71639919f},
-      {100, 1.0f, -5.47509718f}, {719, 1.0f, 1.61023092f}, {1079, 1.0f, 3.16599679f}}},
-    {1000, 3, 1.421875f,
-     {{0, 1.0f, -1.67552567f}, {1, 0.0f, 0.0f}, {2, 1.0f, 0.0255016144f}, {7, 1.0f, 0.0723324195f},
-      {100, 1.0f, -2.36902261f}, {719, 0.0f, 0.0f}, {1079, 1.0f, -0.285263062f}}},
+    {1000, 1, 2.96875f, "1111111",
+     {-5.58590794f, 3.01831007f, 0.936891437f, 2.71639919f, -5.47509718f, 1.61023092f, 3.16599679f}},
+    {1000, 3, 1.421875f, "1011101",
+     {-1.67552567f, 0.0f, 0.0255016144f, 0.0723324195f, -2.36902261f, 0.0f, -0.285263062f}},
     StillTV(3600, 0),
-    {3600, 1, 2.609375f,
-     {{0, 1.0f, -5.06819344f}, {1, 1.0f, 3.91514969f}, {2, 1.0f, -1.87221968f}, {7, 1.0f, -4.65225887f},
-      {100, 1.0f, 1.54793465f}, {719, 1.0f, 2.98899937f}, {1079, 1.0f, -0.717473209f}}},
-    {3600, 3, 2.12109375f,
-     {{0, 1.0f, 3.90000606f}, {1, 1.0f, -1.48486078f}, {2, 1.0f, -1.8535372f}, {7, 1.0f, -4.14519501f},
-      {100, 1.0f, 3.94518304f}, {719, 1.0f, 2.59567618f}, {1079, 1.0f, -4.16028786f}}},
+    {3600, 1, 2.609375f, "1111111",
+     {-5.06819344f, 3.91514969f, -1.87221968f, -4.65225887f, 1.54793465f, 2.98899937f, -0.717473209f}},
+    {3600, 3, 2.12109375f, "1111111",
+     {3.90000606f, -1.48486078f, -1.8535372f, -4.14519501f, 3.94518304f, 2.59567618f, -4.16028786f}},
 };
 
 float ShaderTime(int seconds, int speed)
@@ -118,10 +105,10 @@ TEST(GlitchFrameValuesTest, BlockGlitchValuesAreThoseOfTheDefinition)
         const std::string at = Moment(pinned.seconds, pinned.speed);
         EXPECT_EQ(values.tick, pinned.tick) << at;
         for (int band = 0; band < BlockGlitchValues::kBands; ++band) {
-            EXPECT_EQ(values.bandBottom[band], pinned.bands[band].bottom) << at << ", band " << band;
-            EXPECT_EQ(values.bandHeight[band], pinned.bands[band].height) << at << ", band " << band;
-            EXPECT_EQ(values.bandTop[band], pinned.bands[band].top) << at << ", band " << band;
-            EXPECT_EQ(values.bandShift[band], pinned.bands[band].shift) << at << ", band " << band;
+            EXPECT_EQ((std::array<float, 4>{values.bandBottom[band], values.bandHeight[band], values.bandTop[band],
+                                            values.bandShift[band]}),
+                      pinned.bands[band])
+                << at << ", band " << band;
         }
         EXPECT_EQ(values.channelRandom, pinned.channelRandom) << at;
         EXPECT_EQ(values.channel, pinned.channel) << at;
@@ -137,10 +124,10 @@ TEST(GlitchFrameValuesTest, BadTVValuesAreThoseOfTheDefinition)
         const std::string at = Moment(pinned.seconds, pinned.speed);
         EXPECT_EQ(values.rnd, pinned.rnd) << at;
         ASSERT_EQ(values.rows.size(), static_cast<std::size_t>(kRows)) << at;
-        for (const PinnedRow& row : pinned.rows) {
-            const BadTVRow& actual = values.rows[static_cast<std::size_t>(row.row)];
-            EXPECT_EQ(actual.tears, row.tears) << at << ", row " << row.row;
-            EXPECT_EQ(actual.offset, row.offset) << at << ", row " << row.row;
+        for (std::size_t i = 0; i < std::size(kPinnedRows); ++i) {
+            const BadTVRow& actual = values.rows[static_cast<std::size_t>(kPinnedRows[i])];
+            EXPECT_EQ(actual.tears, pinned.tears[i] == '1' ? 1.0f : 0.0f) << at << ", row " << kPinnedRows[i];
+            EXPECT_EQ(actual.offset, pinned.offsets[i]) << at << ", row " << kPinnedRows[i];
         }
     }
 }

@@ -1,5 +1,6 @@
 // Worlds or values the frame cannot use: it ends with 516 and one line that says what is wrong, before any
-// pixel memory is touched, and the next good frame is right.
+// pixel memory is touched, and the next good frame is right. Only what guards memory is asked of a world: a
+// pixel format the host cannot say never costs a frame.
 #include "RenderingModuleTest.h"
 
 #include <gmock/gmock.h>
@@ -12,6 +13,7 @@
 namespace Halvane::Quorvex::Testing {
 namespace {
 
+using Host::HostCall;
 using Host::World;
 
 class HostileHostTest : public RenderingModuleTest {
@@ -59,6 +61,15 @@ TEST_F(HostileHostTest, UnusableWorldsAndSpeedsEndTheFrameWithALine)
     const auto none = [](PF_EffectWorld&, PF_EffectWorld&) {};
     World eightBitOutput(20, 12, PF_PixelFormat_ARGB32);
     expectRefused(*input, eightBitOutput, none, "pixel format \"argb\" differs from the input's \"ae16\"");
+    // Where only the output's format query fails, it is checked for the memory of the input's depth.
+    expectRefused(*input, eightBitOutput,
+                  [this](PF_EffectWorld&, PF_EffectWorld&) {
+                      host.failures().fail(HostCall::GetPixelFormat, PF_Err_OUT_OF_MEMORY, 1, 1);
+                  },
+                  "output world cannot be used: its rows are 80 bytes apart");
+    World oddInput(20, 12, 0x20202020);
+    World oddOutput(20, 12, 0x20202020);
+    expectRefused(oddInput, oddOutput, none, "input world cannot be used: pixel format 0x20202020 is not one of");
     expectRefused(*input, output, none, "Speed nan is not a finite number", std::nan(""));
     expectRefused(*input, output, none, "Speed inf is not a finite number", std::numeric_limits<double>::infinity());
     expectRefused(*input, output, none, "beyond single precision", 1e300);
@@ -66,6 +77,36 @@ TEST_F(HostileHostTest, UnusableWorldsAndSpeedsEndTheFrameWithALine)
     // Nothing of the refused frames is left over.
     ASSERT_EQ(render(*input, output, 0.5, GlitchType::BadTV, 1.0), PF_Err_NONE);
     expectMatchesModel(output, *input, 0.5, GlitchType::BadTV, 1.0, "after refused frames");
+}
+
+// A host that cannot say a world's format gets the frame at 8 bits, as for
+// a host whose deep worlds answer get_pixel_data8: the memory of a 16-bit
+// picture, its rows twice as long as 8 bits need and flagged deep. The
+// frame reads and writes only the first half of each row. Where only the
+// output's query fails, the frame runs at the input's depth.
+TEST_F(HostileHostTest, AFailedFormatQueryRunsTheFrameAtEightBitsOrAtTheInputsDepth)
+{
+    constexpr int kWidth = 29;
+    constexpr int kHeight = 17;
+    constexpr int kSixteenBitRow = kWidth * 8 + 8;
+    auto input = makePicture(kWidth, kHeight, PF_PixelFormat_ARGB32, kSixteenBitRow - kWidth * 4);
+    World output(kWidth, kHeight, PF_PixelFormat_ARGB32, kSixteenBitRow - kWidth * 4);
+    input->layer()->world_flags = PF_WorldFlag_DEEP;
+    output.layer()->world_flags = PF_WorldFlag_DEEP | PF_WorldFlag_WRITEABLE;
+    host.failures().fail(HostCall::GetPixelFormat, PF_Err_BAD_CALLBACK_PARAM);
+    PF_Err err = PF_Err_NONE;
+    const std::string said = standardErrorOf([&] { err = render(*input, output, 1.5, GlitchType::Block, 1.0); });
+    host.failures().clear();
+    ASSERT_EQ(err, PF_Err_NONE) << said;
+    EXPECT_EQ(said, "");
+    expectMatchesModel(output, *input, 1.5, GlitchType::Block, 1.0, "failed format queries");
+    EXPECT_TRUE(output.paddingIntact()) << "the frame wrote beyond 8-bit rows";
+
+    auto deep = makePicture(26, 14, PF_PixelFormat_ARGB64, 4);
+    World deepOutput(26, 14, PF_PixelFormat_ARGB64, 4);
+    host.failures().fail(HostCall::GetPixelFormat, PF_Err_OUT_OF_MEMORY, 1, 1);
+    ASSERT_EQ(render(*deep, deepOutput, 0.75, GlitchType::BadTV, 2.0), PF_Err_NONE);
+    expectMatchesModel(deepOutput, *deep, 0.75, GlitchType::BadTV, 2.0, "failed output query");
 }
 
 }  // namespace

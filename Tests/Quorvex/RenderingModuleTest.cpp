@@ -64,6 +64,13 @@ void RenderingModuleTest::mark(World& world)
     }
 }
 
+std::string RenderingModuleTest::describe(PF_PixelFormat format, GlitchType type, double seconds, double speed)
+{
+    const char* depth = format == PF_PixelFormat_ARGB32 ? "8-bit" : format == PF_PixelFormat_ARGB64 ? "16-bit" : "float";
+    return std::string(depth) + (type == GlitchType::Block ? " Block Glitch" : " Bad TV") + " at " +
+           std::to_string(seconds) + " s, Speed " + std::to_string(speed);
+}
+
 PF_Err RenderingModuleTest::render(World& input, World& output, double seconds, GlitchType type, double speed)
 {
     host.parameter(1).setValue(static_cast<double>(type));

@@ -11,6 +11,7 @@
 namespace Halvane::Quorvex::Testing {
 
 enum class GlitchType { Block = 1, BadTV = 2 };
+inline constexpr PF_PixelFormat kFormats[] = {PF_PixelFormat_ARGB32, PF_PixelFormat_ARGB64, PF_PixelFormat_ARGB128};
 
 // The module set up in a host that has a GL context of its own current on
 // the test's thread, as a real host does. Frames render through the
@@ -27,6 +28,8 @@ protected:
                                                    int padding = 0);
     // Fills every byte of the world's pixels with a marker that no frame writes.
     static void mark(Host::World& world);
+    // "16-bit Bad TV at 0.250000 s, Speed 1.000000", to say which frame failed.
+    static std::string describe(PF_PixelFormat format, GlitchType type, double seconds, double speed);
 
     // Renders one frame at `seconds` (on a clock of 1000 units a second) with
     // the given parameters. Expects the host's context current after.

@@ -36,22 +36,26 @@ long gFrames = 0;
 using SendFrame = int (*)(void*, const void*);
 SendFrame gSendFrame = nullptr;
 
+// Reads a small file of /proc into `text`, NUL-terminated, without allocating.
+bool ReadProcFile(const char* path, char* text, std::size_t size)
+{
+    const int file = open(path, O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        return false;
+    }
+    const ssize_t length = read(file, text, size - 1);
+    close(file);
+    text[length > 0 ? length : 0] = '\0';
+    return length > 0;
+}
+
 long ResidentBytes()
 {
-    const int statm = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
-    if (statm < 0) {
-        return -1;
-    }
     char text[128];
-    const ssize_t length = read(statm, text, sizeof text - 1);
-    close(statm);
-    if (length <= 0) {
-        return -1;
-    }
-    text[length] = '\0';
     long totalPages = 0;
     long residentPages = 0;
-    if (std::sscanf(text, "%ld %ld", &totalPages, &residentPages) != 2) {
+    if (!ReadProcFile("/proc/self/statm", text, sizeof text) ||
+        std::sscanf(text, "%ld %ld", &totalPages, &residentPages) != 2) {
         return -1;
     }
     return residentPages * sysconf(_SC_PAGESIZE);
@@ -84,17 +88,10 @@ bool OthersAsleep()
             }
             char path[64];
             std::snprintf(path, sizeof path, "/proc/self/task/%ld/stat", task);
-            const int stat = open(path, O_RDONLY | O_CLOEXEC);
-            if (stat < 0) {
+            char text[512];
+            if (!ReadProcFile(path, text, sizeof text)) {
                 continue;  // ended since
             }
-            char text[512];
-            const ssize_t count = read(stat, text, sizeof text - 1);
-            close(stat);
-            if (count <= 0) {
-                continue;
-            }
-            text[count] = '\0';
             // "TID (NAME) STATE ...": the name may hold anything, ')' too.
             const char* nameEnd = std::strrchr(text, ')');
             asleep = nameEnd == nullptr || nameEnd[1] != ' ' || (nameEnd[2] != 'R' && nameEnd[2] != 'D');
