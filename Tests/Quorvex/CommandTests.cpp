@@ -4,6 +4,8 @@
 #include "AEGPSuites.h"
 #include "EffectSuites.h"
 
+#include <EGL/egl.h>
+
 #include <cstring>
 
 namespace Halvane::Quorvex::Testing {
@@ -62,6 +64,7 @@ TEST_F(CommandTest, SetupDeclaresItselfAndRegistersEvenIfRefusedAndSetdownDispos
     out_data.out_flags = PF_OutFlag_PIX_INDEPENDENT;  // ORed into, kept
     out_data.out_flags2 = PF_OutFlag2_I_AM_THREADSAFE;  // assigned over
     PF_InData in_data = host.inData();
+    ::testing::internal::CaptureStderr();
     ASSERT_EQ(module.call(PF_Cmd_GLOBAL_SETUP, &in_data, &out_data, nullptr, nullptr, nullptr), PF_Err_NONE);
     EXPECT_EQ(out_data.my_version, PF_VERSION(1, 0, 0, PF_Stage_DEVELOP, 1));
     EXPECT_EQ(out_data.out_flags, 0x2008002 | PF_OutFlag_PIX_INDEPENDENT);
@@ -80,6 +83,9 @@ TEST_F(CommandTest, SetupDeclaresItselfAndRegistersEvenIfRefusedAndSetdownDispos
     EXPECT_EQ(session.globalSetup(), PF_Err_NONE);
     EXPECT_EQ(host.failures().calls(HostCall::RegisterWithAEGP), 2);
     EXPECT_EQ(session.globalSetdown(), PF_Err_NONE);
+    // This host has no context: set-down leaves none current, not the effect's dead one.
+    EXPECT_EQ(eglGetCurrentContext(), EGL_NO_CONTEXT);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
 // The two parameters as a host reads them, and what a refused add does.

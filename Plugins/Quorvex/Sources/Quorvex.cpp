@@ -7,6 +7,7 @@
 #include "GL/AEOpenGLUtilities.h"
 #include "GL/AEOpenglMainFrameBuffer.h"
 #include "GL/FrameHooks.h"
+#include "GL/GLPlatform.h"
 #include "GL/PackedFloatFrame.h"
 #include "GL/SaveRestoreGLContextMac.h"
 #include "GlitchRender.h"
@@ -136,6 +137,10 @@ PF_Err GlobalSetup(PF_InData* in_data, PF_OutData* out_data)
 PF_Err GlobalSetdown(PF_InData* in_data, PF_OutData* out_data)
 {
     SaveRestoreGLContextMac saver;
+    // A host without a context of its own finds ours still current (a
+    // snapshot of nothing restores nothing); it dies below, so nothing is
+    // put back but no context at all.
+    const bool oursWasCurrent = GLPlatform::currentContextId() != 0;
     // Without a shared data context no frame has run, so the renderer and the
     // frame buffer hold no GL object and go without a GL call.
     if (AEOpenGLContext* shared = AEOpenGLContextManager::getSharedDataContext()) {
@@ -145,6 +150,10 @@ PF_Err GlobalSetdown(PF_InData* in_data, PF_OutData* out_data)
     mRender.reset();
     PackedFloatFrame::release();
     AEOpenGLContextManager::releaseContextManager();
+    if (oursWasCurrent) {
+        GLPlatform::makeCurrent(GLPlatform::ContextHandle{nullptr});
+        saver.init();
+    }
     saver.restore();
 
     if (in_data->sequence_data) {
