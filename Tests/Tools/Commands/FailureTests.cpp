@@ -31,24 +31,6 @@ protected:
                                 [](int x, int, int) { return x * 10.0; });
     }
 
-    // Runs the program, with the fake effect unless another module is named, and checks the exit code,
-    // that standard error is `lines` lines holding every piece of `words`, and that no file appeared.
-    void expectFailure(std::vector<std::string> arguments, int exitCode, const std::vector<std::string>& words,
-                       const std::map<std::string, std::string>& environment = {}, int lines = 1)
-    {
-        const std::set<std::string> before = files();
-        if (std::find(arguments.begin(), arguments.end(), "--plugin") == arguments.end()) {
-            arguments.insert(arguments.end(), {"--plugin", QUORVEX_FAKE_EFFECT_PATH});
-        }
-        const ToolResult result = run(arguments, environment);
-        EXPECT_EQ(result.exitCode, exitCode) << result.err;
-        for (const std::string& word : words) {
-            EXPECT_THAT(result.err, HasSubstr(word));
-        }
-        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), lines) << result.err;
-        EXPECT_EQ(files(), before) << "a failed run must leave nothing behind";
-    }
-
     // Renders in.png to out.png with these options.
     std::vector<std::string> with(const std::vector<std::string>& options) const
     {

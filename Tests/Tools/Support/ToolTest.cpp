@@ -1,5 +1,6 @@
 #include "Tools/Support/ToolTest.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -63,6 +64,27 @@ ToolResult ToolTest::runFake(std::vector<std::string> arguments,
 {
     arguments.insert(arguments.end(), {"--plugin", QUORVEX_FAKE_EFFECT_PATH});
     return run(arguments, environment);
+}
+
+void ToolTest::expectFailure(const ToolResult& result, int exitCode, const std::vector<std::string>& words,
+                             const std::set<std::string>& before, int lines) const
+{
+    EXPECT_EQ(result.exitCode, exitCode) << result.err;
+    for (const std::string& word : words) {
+        EXPECT_NE(result.err.find(word), std::string::npos) << "no '" << word << "' in: " << result.err;
+    }
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), lines) << result.err;
+    EXPECT_EQ(files(), before) << "a failed run must leave nothing behind";
+}
+
+void ToolTest::expectFailure(std::vector<std::string> arguments, int exitCode, const std::vector<std::string>& words,
+                             const std::map<std::string, std::string>& environment, int lines) const
+{
+    const std::set<std::string> before = files();
+    if (std::find(arguments.begin(), arguments.end(), "--plugin") == arguments.end()) {
+        arguments.insert(arguments.end(), {"--plugin", QUORVEX_FAKE_EFFECT_PATH});
+    }
+    expectFailure(run(arguments, environment), exitCode, words, before, lines);
 }
 
 ::testing::AssertionResult Succeeded(const ToolResult& result)

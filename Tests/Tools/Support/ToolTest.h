@@ -39,6 +39,14 @@ protected:
     static ToolResult runFake(std::vector<std::string> arguments,
                               const std::map<std::string, std::string>& environment = {});
 
+    // Checks a run that must fail: its exit code, standard error of `lines` lines holding every one of `words`,
+    // and the test's folder as it was `before` (temporary files included).
+    void expectFailure(const ToolResult& result, int exitCode, const std::vector<std::string>& words,
+                       const std::set<std::string>& before, int lines = 1) const;
+    // Runs the program, with the fake effect unless `arguments` name a module, and checks it as above.
+    void expectFailure(std::vector<std::string> arguments, int exitCode, const std::vector<std::string>& words,
+                       const std::map<std::string, std::string>& environment = {}, int lines = 1) const;
+
     std::string mFolder;
 };
 
