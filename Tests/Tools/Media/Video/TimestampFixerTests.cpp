@@ -21,7 +21,7 @@ std::vector<long> Placed(TimestampFixer& fixer, const std::vector<long>& timesta
     return placed;
 }
 
-TEST(TimestampFixerTest, RepeatsMoveOnCrowdsThatWouldDriftAreDroppedAndJumpsBackCarryOn)
+TEST(TimestampFixerTest, RepeatsMoveOnCrowdsThatWouldDriftAreDroppedJumpsBackCarryOnAndCoarseClocksAreObeyed)
 {
     // Milliseconds, one frame every 2 ms at most 2 ms late.
     const TimestampFixer::Clocks milliseconds{{1, 1000}, true, {1, 1000}, true};
@@ -41,16 +41,13 @@ TEST(TimestampFixerTest, RepeatsMoveOnCrowdsThatWouldDriftAreDroppedAndJumpsBack
     EXPECT_EQ(Placed(joined, {10, 11, 12, 10, 11, 12}, 1), (std::vector<long>{10, 11, 12, 13, 14, 15}));
     EXPECT_EQ(joined.moved(), 3);
     EXPECT_EQ(joined.dropped(), 0);
-}
 
-TEST(TimestampFixerTest, AStrictContainerOnACoarserClockGetsATickOfItsOwnForEach)
-{
-    // Units of 1/3000 s into a container of milliseconds: 3 and 4 are both 1 ms there.
-    TimestampFixer fixer({{1, 3000}, true, {1, 1000}, true}, 6);
-    EXPECT_EQ(Placed(fixer, {0, 3, 4, 6}, 2), (std::vector<long>{0, 3, 5, 8}));
-    // A lenient container lets them share the millisecond; the encoder's clock still moves on.
-    TimestampFixer lenient({{1, 3000}, true, {1, 1000}, false}, 6);
-    EXPECT_EQ(Placed(lenient, {0, 3, 4, 4}, 2), (std::vector<long>{0, 3, 4, 5}));
+    // Units of 1/3000 s into a container of milliseconds: 3 and 4 are both 1 ms there. A strict container gets a
+    // tick of its own for each; a lenient one lets them share the millisecond, the encoder's clock still moving on.
+    TimestampFixer coarse({{1, 3000}, true, {1, 1000}, true}, 6);
+    EXPECT_EQ(Placed(coarse, {0, 3, 4, 6}, 2), (std::vector<long>{0, 3, 5, 8}));
+    TimestampFixer coarseLenient({{1, 3000}, true, {1, 1000}, false}, 6);
+    EXPECT_EQ(Placed(coarseLenient, {0, 3, 4, 4}, 2), (std::vector<long>{0, 3, 4, 5}));
 }
 
 }  // namespace
