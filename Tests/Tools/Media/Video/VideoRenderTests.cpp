@@ -1,5 +1,5 @@
 // Video through the program and the fake effect: what each container keeps, chunks rendered apart that
-// equal one run, phone footage that keeps what it says about itself, deep video that stays deep.
+// equal one run, phone footage that keeps what it says about itself.
 #include "FakeEffectFormula.h"
 #include "Tools/Support/MediaProbe.h"
 #include "Tools/Support/ToolTest.h"
@@ -175,17 +175,6 @@ TEST_F(VideoRenderTest, PhoneFootageKeepsRotationFrameTimesAudioColourAndTitle)
         const auto milliseconds = static_cast<A_long>(std::lround(in.frameSeconds[frame] * 1000));
         EXPECT_EQ(lossless.pictures[frame][2], FakeEffectFormula::TimeStep(milliseconds, 1000, 1.0f) % 256)
             << frame;
-    }
-}
-
-TEST_F(VideoRenderTest, TenBitVideoAtDepth16KeepsItsDepth)
-{
-    TestMedia::runCommand(mFolder, "ffmpeg -v error -f lavfi -i testsrc=size=32x24:rate=12 "
-                                   "-frames:v 3 -c:v ffv1 -pix_fmt yuv420p10le deep.mkv");
-    for (const auto& [name, pixelFormat] :
-         {std::pair{"out.mp4", "yuv420p10le"}, std::pair{"out.mkv", "gbrp16le"}}) {
-        ASSERT_TRUE(Succeeded(runFake({"render", path("deep.mkv"), path(name), "--depth", "16"})));
-        EXPECT_EQ(probe(name).pixelFormat, pixelFormat) << name;
     }
 }
 
