@@ -19,12 +19,6 @@ std::uint8_t ClipSample(int frame, int x, int y, int c)
 
 class VideoRenderTest : public ToolTest {
 protected:
-    // A 32x24 clip at 12 fps, with sound.
-    void writeClip(int frames)
-    {
-        TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{32, 24, frames}, ClipSample);
-    }
-
     MediaSummary probe(const std::string& name, bool keepPictures = false) const
     {
         return MediaProbe::probe(path(name), keepPictures);
@@ -33,7 +27,7 @@ protected:
 
 TEST_F(VideoRenderTest, EachContainerKeepsFramesRateSizeAndTheAudio)
 {
-    writeClip(6);
+    TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{}, ClipSample);
     const MediaSummary in = probe("clip.mkv");
     ASSERT_EQ(in.streams, "video:ffv1 audio:aac");
     const struct {
@@ -111,7 +105,7 @@ TEST_F(VideoRenderTest, SequenceChunksRenderedWithParallelMatchOneRun)
 
 TEST_F(VideoRenderTest, VideoChunksJoinedWithTheConcatDemuxerMatchOneRun)
 {
-    writeClip(12);
+    TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{32, 24, 12}, ClipSample);
     ASSERT_TRUE(Succeeded(runFake({"render", path("clip.mkv"), path("whole.mkv")})));
     {
         std::ofstream list(path("parts.txt"));
