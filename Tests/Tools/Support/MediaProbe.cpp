@@ -17,7 +17,7 @@ MediaSummary MediaProbe::probe(const std::string& path, bool keepPictures)
     // ffprobe lists each stream, packet and frame as a section of KEY=VALUE
     // lines.
     std::istringstream listing(TestMedia::runCommand("/",
-        "ffprobe -v error -count_packets -show_entries stream=codec_type,codec_name,nb_read_packets,"
+        "ffprobe -v error -show_entries stream=codec_type,codec_name,"
         "width,height,r_frame_rate,pix_fmt,color_primaries,color_transfer,color_space,color_range:"
         "stream_side_data=rotation:format_tags=title:frame=media_type,best_effort_timestamp_time:"
         "packet=codec_type,pts_time,duration_time '" + path + "'"));
@@ -33,9 +33,6 @@ MediaSummary MediaProbe::probe(const std::string& path, bool keepPictures)
         if (line == "[/STREAM]") {
             summary.streams += (summary.streams.empty() ? "" : " ") + entries["codec_type"] + ":" +
                                entries["codec_name"];
-            if (entries["codec_type"] == "audio") {
-                summary.audioPackets += std::atol(entries["nb_read_packets"].c_str());
-            }
             if (entries["codec_type"] == "video" && summary.width == 0) {
                 summary.width = static_cast<int>(number("width"));
                 summary.height = static_cast<int>(number("height"));
@@ -50,6 +47,7 @@ MediaSummary MediaProbe::probe(const std::string& path, bool keepPictures)
             ++summary.frames;
             summary.frameSeconds.push_back(number("best_effort_timestamp_time"));
         } else if (line == "[/PACKET]" && entries["codec_type"] == "audio") {
+            ++summary.audioPackets;
             audioStart = std::min(audioStart.value_or(number("pts_time")), number("pts_time"));
             summary.audioSeconds = std::max(summary.audioSeconds,
                                             number("pts_time") + number("duration_time") - *audioStart);
