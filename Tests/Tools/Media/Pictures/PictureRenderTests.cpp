@@ -10,6 +10,7 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <tuple>
 #include <unistd.h>
 
 namespace Halvane::Quorvex::Testing {
@@ -188,29 +189,23 @@ TEST_F(PictureRenderTest, SpeedMovesLinearlyAndGlitchTypeHoldsUntilTheNextKeyfra
 
 TEST_F(PictureRenderTest, TheRealModuleKeepsSizeAndDepthAndRefusesPicturesBeyondItsOpenGL)
 {
-    const struct {
-        const char* input;
-        OIIO::TypeDesc format;
-        double white;
-        const char* glitch;
-    } cases[] = {{"in8.png", OIIO::TypeDesc::UINT8, 255.0, "badtv"},
-                 {"in16.png", OIIO::TypeDesc::UINT16, 65535.0, "block"},
-                 {"in32.exr", OIIO::TypeDesc::FLOAT, 1.0, "badtv"}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.input);
+    const std::tuple<std::string, OIIO::TypeDesc, double, const char*> cases[] = {
+        {"in8.png", OIIO::TypeDesc::UINT8, 255.0, "badtv"},
+        {"in16.png", OIIO::TypeDesc::UINT16, 65535.0, "block"},
+        {"in32.exr", OIIO::TypeDesc::FLOAT, 1.0, "badtv"}};
+    for (const auto& [input, format, white, glitch] : cases) {
+        SCOPED_TRACE(input);
         // Opaque vertical stripes: any sideways shift or channel tear shows.
-        TestMedia::writePicture(path(c.input), 48, 32, 4, c.format, [&](int x, int y, int channel) {
-            const double level = channel == 3 ? 1.0 : ((x / 4 + channel) % 3) / 2.0 * (0.5 + y / 64.0);
-            return level * c.white;
+        const double scale = white;
+        TestMedia::writePicture(path(input), 48, 32, 4, format, [&](int x, int y, int channel) {
+            return (channel == 3 ? 1.0 : ((x / 4 + channel) % 3) / 2.0 * (0.5 + y / 64.0)) * scale;
         });
         // No --plugin: the module beside the program.
-        const std::string output = std::string("out-") + c.input;
-        ASSERT_TRUE(
-            Succeeded(run({"render", path(c.input), path(output), "--glitch", c.glitch, "--time", "0.7"})));
-        const PictureFile out = picture(output);
+        ASSERT_TRUE(Succeeded(run({"render", path(input), path("out-" + input), "--glitch", glitch, "--time", "0.7"})));
+        const PictureFile out = picture("out-" + input);
         EXPECT_EQ(std::vector<int>({out.width, out.height}), std::vector<int>({48, 32}));
-        EXPECT_EQ(out.format, c.format);
-        EXPECT_NE(out.samples, picture(c.input).samples) << "the picture was left as it was";
+        EXPECT_EQ(out.format, format);
+        EXPECT_NE(out.samples, picture(input).samples) << "the picture was left as it was";
     }
 
     // Wider than any OpenGL's largest texture: refused from the header, the limit asked of the program's own OpenGL.

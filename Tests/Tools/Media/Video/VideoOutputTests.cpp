@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <sstream>
+#include <tuple>
 
 namespace Halvane::Quorvex::Testing {
 namespace {
@@ -99,26 +100,25 @@ TEST_F(VideoOutputTest, FixedRateEncodersGetTheNearestRateTheyTakeAndAudioTheCon
         return static_cast<std::uint8_t>(c == 3 ? 255 : frame * 30 + x * c);
     });
     const double sourceSeconds = audioSeconds("clip.mkv");
-    const struct {
-        std::vector<std::string> options;
-        const char* name;
-        const char* streams;
-        const char* rate;
-    } outputs[] = {{{}, "out.mpg", "video:mpeg1video audio:mp2", "24000/1001"},
-                   {{"--codec", "mpeg2video"}, "out.mkv", "video:mpeg2video audio:aac", "12/1"},
-                   {{}, "out.ts", "video:mpeg2video audio:aac", "12/1"},
-                   {{}, "out.ogv", "video:theora audio:vorbis", "12/1"}};
-    for (const auto& output : outputs) {
-        SCOPED_TRACE(output.name);
-        std::vector<std::string> arguments{path("clip.mkv"), path(output.name)};
-        arguments.insert(arguments.end(), output.options.begin(), output.options.end());
+    // The name, the codec asked for, the streams written and the video's rate.
+    const std::tuple<std::string, const char*, std::string, std::string> outputs[] = {
+        {"out.mpg", "", "video:mpeg1video audio:mp2", "24000/1001"},
+        {"out.mkv", "mpeg2video", "video:mpeg2video audio:aac", "12/1"},
+        {"out.ts", "", "video:mpeg2video audio:aac", "12/1"},
+        {"out.ogv", "", "video:theora audio:vorbis", "12/1"}};
+    for (const auto& [name, codec, streams, rate] : outputs) {
+        SCOPED_TRACE(name);
+        std::vector<std::string> arguments{path("clip.mkv"), path(name)};
+        if (*codec) {
+            arguments.insert(arguments.end(), {"--codec", codec});
+        }
         const ToolResult result = render(arguments);
-        const MediaSummary out = MediaProbe::probe(path(output.name));
-        EXPECT_EQ(out.streams.substr(0, std::string(output.streams).size()), output.streams);
+        const MediaSummary out = MediaProbe::probe(path(name));
+        EXPECT_EQ(out.streams.substr(0, streams.size()), streams);
         EXPECT_EQ(out.frames, 6);
-        EXPECT_EQ(probe(output.name, "stream=r_frame_rate").rfind(std::string(output.rate) + "\n", 0), 0u);
-        EXPECT_NEAR(audioSeconds(output.name), sourceSeconds, 0.03);
-        if (std::string(output.streams).find("aac") == std::string::npos) {
+        EXPECT_EQ(probe(name, "stream=r_frame_rate").rfind(rate + "\n", 0), 0u);
+        EXPECT_NEAR(audioSeconds(name), sourceSeconds, 0.03);
+        if (streams.find("aac") == std::string::npos) {
             EXPECT_THAT(result.err, HasSubstr("cannot be stored in"));
         }
     }

@@ -30,18 +30,14 @@ TEST_F(VideoRenderTest, EachContainerKeepsFramesRateSizeAndTheAudio)
     TestMedia::writeClip(path("clip.mkv"), TestMedia::Clip{}, ClipSample);
     const MediaSummary in = probe("clip.mkv");
     ASSERT_EQ(in.streams, "video:ffv1 audio:aac");
-    const struct {
-        const char* name;
-        const char* codec;
-    } outputs[] = {{"out.mp4", "h264"}, {"out.mov", "prores"}, {"out.mkv", "ffv1"}};
-    for (const auto& output : outputs) {
-        SCOPED_TRACE(output.name);
-        ASSERT_TRUE(Succeeded(runFake({"render", path("clip.mkv"), path(output.name), "--glitch",
-                                       "badtv", "--time-offset", "0.5"})));
-        const MediaSummary out = probe(output.name);
+    for (const auto& [name, codec] : {std::pair{"out.mp4", "h264"}, {"out.mov", "prores"}, {"out.mkv", "ffv1"}}) {
+        SCOPED_TRACE(name);
+        ASSERT_TRUE(
+            Succeeded(runFake({"render", path("clip.mkv"), path(name), "--glitch", "badtv", "--time-offset", "0.5"})));
+        const MediaSummary out = probe(name);
         EXPECT_EQ(std::vector<int>({out.frames, out.rateNumerator, out.rateDenominator, out.width, out.height}),
                   std::vector<int>({6, 12, 1, 32, 24}));
-        EXPECT_EQ(out.streams, std::string("video:") + output.codec + " audio:aac");
+        EXPECT_EQ(out.streams, std::string("video:") + codec + " audio:aac");
         EXPECT_EQ(out.audioPackets, in.audioPackets);
     }
     // The lossless output carries the effect's pixels at each frame's time.
