@@ -87,10 +87,6 @@ TEST_F(FailureTest, InputsThatCannotBeReadAndOptionValuesThatMakeNoSense)
     expectFailure({"render", mFolder, path("out.png")}, 1, {mFolder, "folder"});
     std::ofstream(path("notes.png")) << "these are notes, not a picture\n";
     expectFailure({"render", path("notes.png"), path("out.png")}, 1, {"notes.png", "not a picture or video"});
-    // libpng's own lines and OpenImageIO's several join the one line.
-    const std::string whole = contents("in.png");
-    std::ofstream(path("cut.png"), std::ios::binary) << whole.substr(0, whole.size() - 30);
-    expectFailure({"render", path("cut.png"), path("out.png")}, 1, {"cut.png", "end of file"});
     // A header claiming terabytes is refused before any pixel buffer is made.
     std::ofstream(path("huge.ppm")) << "P6\n1000000 1000000\n255\n" << std::string(4096, '\0');
     expectFailure({"render", path("huge.ppm"), path("out.png")}, 1, {"huge.ppm", "1000000x1000000"});
