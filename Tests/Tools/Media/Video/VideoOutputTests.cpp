@@ -83,14 +83,10 @@ TEST_F(VideoOutputTest, TimestampsThatRepeatOrGoBackAreMendedWhileEachFrameKeeps
             EXPECT_EQ(out.pictures[frame][2], FakeEffectFormula::TimeStep(frame * 40, 1000, 1.0f)) << frame;
         }
     }
-    for (const char* name : {"fast.mp4", "fast.mov"}) {
-        SCOPED_TRACE(name);
-        const ToolResult result = render({path("fast.mkv"), path(name)});
-        EXPECT_THAT(result.err, HasSubstr("frames are moved to later times and"));
-        const MediaSummary out = MediaProbe::probe(path(name));
-        EXPECT_GE(out.frames, 10);
-        EXPECT_TRUE(StrictlyIncreasing(out.frameSeconds)) << ::testing::PrintToString(out.frameSeconds);
-    }
+    EXPECT_THAT(render({path("fast.mkv"), path("fast.mp4")}).err, HasSubstr("frames are moved to later times and"));
+    const MediaSummary fast = MediaProbe::probe(path("fast.mp4"));
+    EXPECT_GE(fast.frames, 10);
+    EXPECT_TRUE(StrictlyIncreasing(fast.frameSeconds)) << ::testing::PrintToString(fast.frameSeconds);
 }
 
 TEST_F(VideoOutputTest, FixedRateEncodersGetTheNearestRateTheyTakeAndAudioTheContainerTakes)
