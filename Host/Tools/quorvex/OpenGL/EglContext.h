@@ -9,7 +9,9 @@ namespace Halvane::Quorvex::Tools {
 // choose: the first hardware device, Mesa's surfaceless platform otherwise,
 // or what QUORVEX_EGL_PLATFORM forces. The program asks it what the
 // module's OpenGL can do before the module is asked to render; the module's
-// own contexts never see it, and what was current before comes back.
+// own contexts never see it, and what was current before comes back. The
+// module's EGL layer is not linked here on purpose: where its choice of
+// display changes, this one follows by hand.
 class EglContext {
 public:
     // What EglContext throws: every display tried, and why each failed.
